@@ -1,0 +1,23 @@
+// What a failure tells the user.
+#pragma once
+
+#include "orv/Exception.h"
+
+// Exit codes of failures that have no description; the system shows their low byte.
+inline constexpr int kExitOutOfMemory = static_cast<int>(0x8007000EU);
+inline constexpr int kExitUnknownFailure = static_cast<int>(0x80004005U);
+
+// Each prints its line on standard error, in JSON mode as a member of the document, and returns the
+// exit code. What cannot be written either is left out; the exit code stays.
+
+// A description; exit code 1. Closes the document.
+int reportDescription(const orv::String& description);
+// A failure of the core library: its description, or the fatal-error message with its result; a
+// failure without either is a clean end.
+int reportFailure(const orv::Exception& failure);
+// The fatal-error message. The JSON document stays open (deliberate).
+int reportFatal(int code);
+
+// From now on an exception that nothing catches ends the process with a line on standard error and
+// the exit code of its kind, without a core file.
+void installTerminateHandler() noexcept;

@@ -1,0 +1,77 @@
+// The process entry.
+#include <clocale>
+#include <new>
+
+#include "app/displayUsage.h"
+#include "app/failures.h"
+#include "app/parseArgs.h"
+#include "config/ConfigException.h"
+#include "config/ConfigFileReader.h"
+#include "engine/VXAException.h"
+#include "monitor/JsonFrame.h"
+#include "monitor/MonitorProcessor.h"
+#include "orv/Exception.h"
+#include "orv/StandardDescriptors.h"
+#include "orv/StopSignals.h"
+#include "output/ProcessWide.h"
+
+namespace {
+
+orv::OwningPtr<ConfigData> s_config;
+
+void printBanner() {
+  s_pw->println(s_msgHelper->getResStr("NAME", kProgramVersion));
+  s_pw->println(s_msgHelper->getResStr("COPYRIGHT"));
+  s_pw->println();
+}
+
+void monitor(const orv::String& fileName, bool runOnce) {
+  ConfigFileReader reader(fileName);
+  s_config = reader.readConfiguration();
+  MonitorProcessor processor(s_config.get(), m_JSON);
+  displayJSONHeader(m_JSON, 0, 1);
+  processor.startMonitoring(runOnce, m_JSON);
+}
+
+// Runs the monitoring and turns every failure into its message and exit code.
+int monitorGuarded(const orv::String& fileName, bool runOnce) {
+  try {
+    monitor(fileName, runOnce);
+    displayJSONHeader(m_JSON, 1, 2);
+    return 0;
+  } catch (const ConfigException& failure) {
+    return reportDescription(failure.getDescription());
+  } catch (const VXAException& failure) {
+    return reportDescription(failure.getDescription());
+  } catch (const orv::io::IoException& failure) {
+    return reportDescription(failure.getDescription());
+  } catch (const orv::Exception& failure) {
+    return reportFailure(failure);
+  } catch (const std::bad_alloc&) {
+    return reportFatal(kExitOutOfMemory);
+  } catch (...) {
+    return reportFatal(kExitUnknownFailure);
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  installTerminateHandler();
+  orv::keepStandardDescriptors();
+  std::setlocale(LC_MESSAGES, "");  // of the locale nothing but the language is used
+  createProcessWideObjects();
+  orv::ignoreFileSizeSignal();
+  orv::installStopSignals(s_stopRequested);
+
+  orv::String fileName;
+  bool runOnce = false;
+  const int exitCode = parseArgs(argc, argv, fileName, runOnce);
+  if (!m_JSON) printBanner();
+  if (exitCode != 0) {
+    displayJSONHeader(m_JSON, 0, 0);
+    displayUsage(m_JSON);
+    return exitCode;
+  }
+  return monitorGuarded(fileName, runOnce);
+}

@@ -1,0 +1,53 @@
+// Reads the configuration file.
+#pragma once
+
+#include "config/ConfigData.h"
+#include "orv/Object.h"
+#include "orv/Result.h"
+#include "orv/String.h"
+#include "orv/collections/HashMap.h"
+#include "orv/io/BufferedReader.h"
+#include "output/MessageHelper.h"
+
+// Lines of key=value: blanks around a line, empty lines, lines that begin with "//" and lines
+// without "=" do not count. A key is its first four characters in any case; the last line of a key
+// holds. Every key must be present, though most values may be empty.
+class ConfigFileReader {
+ public:
+  // Opens nothing yet.
+  explicit ConfigFileReader(orv::String fileName);
+
+  // Reads the whole file; the caller owns the settings. Throws ConfigException for settings that
+  // are missing or too long to be settings, orv::io::IoException for a file that is missing or
+  // refused, and orv::ResultException for a file that cannot be opened or read for another reason.
+  orv::OwningPtr<ConfigData> readConfiguration();
+
+ private:
+  void openFile();
+  void readLines();
+  void addConfigSetting(const orv::String& line);
+
+  // The value of a key. Throws ConfigException if the key is missing, or if its value is empty
+  // though it is `required`.
+  [[nodiscard]] orv::String getValue(const char* key, bool required) const;
+  // False for "NO" in any case, true for any other value (deliberate), the default for an empty
+  // one.
+  [[nodiscard]] bool getBooleanValue(const char* key, bool defaultValue) const;
+  // 0 for what is not a number.
+  [[nodiscard]] int getNumber(const char* key) const;
+
+  void setValues();
+  void setRefreshRate();
+  // To be called after setRefreshRate: without repeated refreshes there is no limit.
+  void setRefreshlimit();
+  void setOutputTypes();
+
+  // Throws what an error of opening the file stands for.
+  [[noreturn]] void throwError(orv::Result result) const;
+
+  orv::String fileName_;
+  orv::Reference<MessageHelper> messages_;
+  orv::Reference<orv::io::BufferedReader> lines_;
+  orv::Reference<orv::collections::StringHashMap> settings_;
+  orv::OwningPtr<ConfigData> data_;
+};

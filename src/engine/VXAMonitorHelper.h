@@ -1,0 +1,68 @@
+// The program's only user of the engine's monitoring interface.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/CommStats.h"
+#include "engine/ConnInfo.h"
+#include "engine/FileInfo.h"
+#include "engine/SessionInfo.h"
+#include "engine/UsageStats.h"
+#include "engine/tal.h"
+#include "orv/Object.h"
+#include "orv/String.h"
+#include "orv/collections/List.h"
+#include "output/MessageHelper.h"
+
+// One connection to an engine, and what can be asked through it: every operation builds fresh
+// records. An engine's error becomes VXAException; the statuses that end or shorten a list do not.
+// A snapshot that was taken is released once, also when a list fails. Used by one thread. The owner
+// calls disconnect(): the destructor does not.
+class VXAMonitorHelper {
+ public:
+  using Files = orv::collections::List<FileInfo>;
+  using Sessions = orv::collections::List<SessionInfo>;
+  using Connections = orv::collections::List<ConnInfo>;
+
+  VXAMonitorHelper();
+  VXAMonitorHelper(const VXAMonitorHelper&) = delete;
+  VXAMonitorHelper& operator=(const VXAMonitorHelper&) = delete;
+  virtual ~VXAMonitorHelper() = default;
+
+  // Three empty texts stand for the local engine. A text of more than 255 bytes is refused with
+  // orv::Exception: cutting a password silently would lock accounts. After a failure the
+  // interface is stopped.
+  void connect(const orv::String& server, const orv::String& user, const orv::String& password);
+  // May be called again; then it does nothing.
+  void disconnect();
+
+  int getEngineType();
+  // Such as "15.21.016".
+  orv::String getEngineVersion();
+  orv::Reference<UsageStats> getUsageStats();
+  orv::Reference<CommStats> getCommStats();
+
+  // With handle detail, only files and sessions that have handles are listed.
+  orv::Reference<Files> getActiveFileInfoList(bool withHandles);
+  orv::Reference<FileInfo::Handles> getFileHandleInfoList(const orv::String& fileName);
+  orv::Reference<Sessions> getActiveSessionInfoList(bool withHandles);
+  orv::Reference<SessionInfo::Handles> getSessionFileHandleInfoList(const tagTALCLIENTID* clientId);
+  orv::Reference<Connections> getConnInfoList();
+
+  // The status in decimal, ": " and its text.
+  [[nodiscard]] orv::String createErrorMsg(int code) const;
+
+ private:
+  // Throws VXAException unless the status is success.
+  void check(std::int16_t status) const;
+  void stop();
+
+  // Null where the file was closed meanwhile or, with handle detail, has no handles.
+  orv::Reference<FileInfo> readFile(const char* name, bool withHandles);
+  // Null where the client went away meanwhile or, with handle detail, has no handles.
+  orv::Reference<SessionInfo> readSession(const tagTALCLIENTID& client, bool withHandles);
+
+  std::int32_t handle_;
+  bool isStopped_ = false;
+  orv::Reference<MessageHelper> messages_;
+};

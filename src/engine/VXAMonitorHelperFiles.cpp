@@ -1,0 +1,62 @@
+#include <string>
+#include <utility>
+
+#include "engine/FieldText.h"
+#include "engine/SnapshotRelease.h"
+#include "engine/VXAMonitorHelper.h"
+
+orv::Reference<VXAMonitorHelper::Files> VXAMonitorHelper::getActiveFileInfoList(bool withHandles) {
+  std::uint32_t count = 0;
+  check(TalGetOpenFilesData(handle_, &count));
+  const SnapshotRelease release(TalFreeOpenFilesData, handle_);
+  auto files = orv::makeReference<Files>();
+  for (std::uint32_t index = 0; index < count; ++index) {
+    std::uint32_t size = TAL_NAME_SIZE;
+    // One byte more than the library is told of: a name that fills its buffer is closed all the
+    // same.
+    char name[TAL_NAME_SIZE + 1] = {};
+    const std::int16_t status = TalGetOpenFileName(handle_, index, &size, name);
+    if (status == TAL_STATUS_NO_ENTRY) break;
+    check(status);
+    name[TAL_NAME_SIZE] = '\0';
+    if (auto file = readFile(name, withHandles)) files->append(std::move(file));
+  }
+  return files;
+}
+
+orv::Reference<FileInfo> VXAMonitorHelper::readFile(const char* name, bool withHandles) {
+  TalFileInfo info{};
+  const std::int16_t status = TalGetFileInfo2(handle_, name, &info);
+  if (status == TAL_STATUS_FILE_CLOSED) return {};
+  check(status);
+  const orv::String fileName(name);
+  auto handles =
+      withHandles ? getFileHandleInfoList(fileName) : orv::makeReference<FileInfo::Handles>();
+  if (withHandles && handles->isEmpty()) return {};
+  return orv::makeReference<FileInfo>(fileName, info.pageSize, info.readOnly, info.recordLocks,
+                                      info.transactionLock, info.sizeKb, handles);
+}
+
+orv::Reference<FileInfo::Handles> VXAMonitorHelper::getFileHandleInfoList(
+    const orv::String& fileName) {
+  const std::string name = fileName.toBytes();
+  auto handles = orv::makeReference<FileInfo::Handles>();
+  std::uint32_t count = 0;
+  const std::int16_t counted = TalGetFileHandlesData(handle_, name.c_str(), &count);
+  if (counted == TAL_STATUS_FILE_CLOSED) return handles;
+  check(counted);
+  for (std::uint32_t index = 0; index < count; ++index) {
+    TalFileHandleInfo info{};
+    const std::int16_t status = TalGetFileHandleInfo(handle_, name.c_str(), index, &info);
+    if (status == TAL_STATUS_NO_ENTRY) break;
+    if (status == TAL_STATUS_FILE_CLOSED) {
+      handles->clear();  // the file closed during the walk: no partial list
+      break;
+    }
+    check(status);
+    handles->append(orv::makeReference<FileHandleInfo>(
+        info.clientIndex, info.recordLockType, info.openMode, info.waitState, info.transactionState,
+        textOf(info.clientName)));
+  }
+  return handles;
+}

@@ -1,0 +1,73 @@
+#include <unistd.h>
+
+#include <utility>
+
+#include "monitor/Keys.h"
+#include "monitor/MonitorProcessor.h"
+#include "orv/Exception.h"
+#include "orv/Functions.h"
+#include "orv/StopSignals.h"
+#include "orv/io/StdioInputStream.h"
+
+namespace {
+
+constexpr useconds_t kStartDelayMicroseconds = 100'000;
+
+}  // namespace
+
+// What the keyboard thread works with; owned by it.
+class MonitorProcessor::UserInputThreadArgs : public orv::Object {
+ public:
+  UserInputThreadArgs(orv::String exitText, orv::String inputErrorText,
+                      orv::Reference<orv::io::PrintWriter> writer, int limit)
+      : exitText_(std::move(exitText)),
+        inputErrorText_(std::move(inputErrorText)),
+        writer_(std::move(writer)),
+        limit_(limit) {}
+
+  // Until "q", too many bad bytes, or a stop signal, which the main thread answers itself.
+  void readKeys(orv::io::StdioInputStream& input) {
+    int bad = 0;
+    int count = 0;
+    while (true) {
+      const int byte = input.read();
+      if (orv::stopSignalCame()) return;
+      if (isKey(byte, 'Q')) return stop(exitText_);
+      bad = isAscii(byte) ? 0 : bad + 1;
+      if (bad > kToleratedBadBytes) return stop(inputErrorText_);
+      if (limit_ > 0 && ++count >= limit_) return stop(exitText_);
+    }
+  }
+
+ private:
+  void stop(const orv::String& closingLine) {
+    s_stopRequested = true;
+    writer_->println(closingLine);
+  }
+
+  orv::String exitText_;
+  orv::String inputErrorText_;
+  orv::Reference<orv::io::PrintWriter> writer_;
+  int limit_;
+};
+
+void MonitorProcessor::startUserInputThread(const orv::Reference<orv::io::PrintWriter>& out) {
+  const auto arguments = orv::makeReference<UserInputThreadArgs>(
+      messages_->getResStr("MSG_EXIT"), messages_->getResStr("ERR_INTERACTIVE_INPUT"), out,
+      config_->refreshLimit);
+  arguments->addReference();  // the thread's
+  const orv::Result result =
+      orv::ORVThreadCreate(readUserInput, arguments.get(), "ZelkUserInputThread");
+  if (result == 0) return;
+  arguments->releaseReference();
+  throw orv::ResultException(result, messages_->getResStr("THREAD_FATAL_ERROR", result));
+}
+
+void* MonitorProcessor::readUserInput(void* arguments) {
+  const orv::Reference<UserInputThreadArgs> owned(static_cast<UserInputThreadArgs*>(arguments));
+  owned->releaseReference();  // held by `owned` from here on
+  const auto input = orv::makeReference<orv::io::StdioInputStream>();
+  usleep(kStartDelayMicroseconds);
+  owned->readKeys(*input);
+  return nullptr;
+}

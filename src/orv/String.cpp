@@ -1,0 +1,91 @@
+#include "orv/String.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
+#include "orv/Encoding.h"
+
+namespace orv {
+namespace {
+
+wchar_t upper(wchar_t character) noexcept {
+  return character >= L'a' && character <= L'z' ? static_cast<wchar_t>(character - L'a' + L'A')
+                                                : character;
+}
+
+template <class Number>
+String decimal(Number number) {
+  char digits[24];
+  const auto end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+  return String(std::string_view(digits, static_cast<std::size_t>(end - digits)));
+}
+
+}  // namespace
+
+String String::valueOf(long number) { return decimal(number); }
+
+String String::valueOf(unsigned long number) { return decimal(number); }
+
+std::string String::toBytes() const {
+  std::string bytes;
+  bytes.reserve(text_.size());
+  char encoded[kMaximumBytesPerCharacter];
+  for (const wchar_t character : text_) {
+    bytes.append(encoded, encodeUtf8(character, encoded));
+  }
+  return bytes;
+}
+
+String& String::append(std::string_view bytes) {
+  decodeUtf8(bytes, true, text_);
+  return *this;
+}
+
+String& String::append(const String& other) {
+  text_ += other.text_;
+  return *this;
+}
+
+String& String::append(std::size_t count, wchar_t character) {
+  text_.append(count, character);
+  return *this;
+}
+
+void String::insert(std::size_t index, std::size_t count, wchar_t character) {
+  text_.insert(index, count, character);
+}
+
+bool String::contains(wchar_t character) const noexcept {
+  return text_.find(character) != std::wstring::npos;
+}
+
+bool String::startsWith(std::wstring_view start) const noexcept { return text_.starts_with(start); }
+
+bool String::equalsIgnoreCase(const String& other) const noexcept {
+  return std::equal(text_.begin(), text_.end(), other.text_.begin(), other.text_.end(),
+                    [](wchar_t left, wchar_t right) { return upper(left) == upper(right); });
+}
+
+String String::trim(std::wstring_view unwanted) const {
+  const std::size_t begin = text_.find_first_not_of(unwanted);
+  if (begin == std::wstring::npos) return {};
+  const std::size_t end = text_.find_last_not_of(unwanted);
+  return String(text_.substr(begin, end - begin + 1));
+}
+
+String String::toUpper() const {
+  String result(*this);
+  std::transform(result.text_.begin(), result.text_.end(), result.text_.begin(), upper);
+  return result;
+}
+
+String operator+(const char* left, const String& right) {
+  const std::string_view bytes(left);
+  String result;
+  result.text_.reserve(bytes.size() + right.length());
+  result.append(bytes);
+  return std::move(result.append(right));
+}
+
+}  // namespace orv

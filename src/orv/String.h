@@ -1,0 +1,60 @@
+// The string type of the whole program.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orv {
+
+// Wide text; one element is one character. Narrow texts are UTF-8 and are converted without loss
+// (orv/Encoding.h). Case conversions and comparisons concern ASCII letters alone, so that no
+// output depends on a locale.
+class String {
+ public:
+  String() = default;
+  String(const char* bytes) : String(std::string_view(bytes)) {}  // literals read as texts
+  explicit String(std::string_view bytes) { append(bytes); }
+  explicit String(std::wstring text) noexcept : text_(std::move(text)) {}
+
+  // Decimal, with a leading minus sign if negative.
+  static String valueOf(long number);
+  static String valueOf(unsigned long number);
+  static String valueOf(int number) { return valueOf(static_cast<long>(number)); }
+  static String valueOf(unsigned int number) { return valueOf(static_cast<unsigned long>(number)); }
+
+  [[nodiscard]] std::size_t length() const noexcept { return text_.size(); }
+  [[nodiscard]] bool isEmpty() const noexcept { return text_.empty(); }
+  // `index` is below length().
+  [[nodiscard]] wchar_t charAt(std::size_t index) const noexcept { return text_[index]; }
+  [[nodiscard]] const std::wstring& wide() const noexcept { return text_; }
+  [[nodiscard]] std::string toBytes() const;
+
+  String& append(std::string_view bytes);
+  String& append(const String& other);
+  String& append(std::size_t count, wchar_t character);
+  String& operator+=(const String& other) { return append(other); }
+  String& operator+=(const char* bytes) { return append(std::string_view(bytes)); }
+  // `index` is at most length().
+  void insert(std::size_t index, std::size_t count, wchar_t character);
+
+  [[nodiscard]] bool contains(wchar_t character) const noexcept;
+  [[nodiscard]] bool startsWith(std::wstring_view start) const noexcept;
+  [[nodiscard]] bool equalsIgnoreCase(const String& other) const noexcept;
+  // At most `count` characters from the start.
+  [[nodiscard]] String first(std::size_t count) const { return String(text_.substr(0, count)); }
+  // Without the characters of `unwanted` at both ends.
+  [[nodiscard]] String trim(std::wstring_view unwanted = L" \t\r\n") const;
+  [[nodiscard]] String toUpper() const;
+
+  friend bool operator==(const String& left, const String& right) noexcept = default;
+  friend String operator+(String left, const String& right) { return std::move(left += right); }
+  friend String operator+(String left, const char* right) { return std::move(left += right); }
+  friend String operator+(const char* left, const String& right);
+
+ private:
+  std::wstring text_;
+};
+
+}  // namespace orv

@@ -1,0 +1,34 @@
+// Texts by key, in the user's language.
+#pragma once
+
+#include <vector>
+
+#include "orv/Object.h"
+#include "orv/String.h"
+#include "orv/collections/HashMap.h"
+
+namespace orv::i18n {
+
+// The texts of one bundle: the files NAME_ll_CC.properties, NAME_ll.properties and NAME.properties
+// of the message folder, asked in this order, key by key.
+class StringBundle : public Object {
+ public:
+  // Opens the bundle for a language such as "de_AT"; null stands for the language of the process's
+  // locale for messages. Throws ResultException if none of the files can be read.
+  static Reference<StringBundle> getBundle(const String& name, const char* locale);
+
+  // Throws ResultException if no file has the key.
+  [[nodiscard]] String getString(const String& key) const;
+
+  // Where the files are, without a delimiter at the end; until it is set,
+  // ../share/zelk/messages beside the folder of the running program.
+  static void setFolder(String folder);
+
+ private:
+  std::vector<Reference<collections::StringHashMap>> files_;
+};
+
+// Reads one file of texts: lines of key=text, UTF-8. Throws ResultException if it cannot be read.
+Reference<collections::StringHashMap> readProperties(const String& path);
+
+}  // namespace orv::i18n

@@ -1,0 +1,65 @@
+#include "orv/io/BufferedReader.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace orv::io {
+
+BufferedReader::BufferedReader(Reference<InputStreamReader> reader) : reader_(std::move(reader)) {}
+
+bool BufferedReader::readLine(String& line) {
+  if (isLineCut_) skipRestOfLine();
+  if (!fill()) return false;
+  std::wstring text;
+  while (fill()) {
+    const std::size_t room = kMaximumLineLength - text.size();
+    const std::size_t end = std::min(buffer_.find(L'\n', next_), buffer_.size());
+    const std::size_t count = std::min(end - next_, room);
+    text.append(buffer_, next_, count);
+    next_ += count;
+    if (next_ == end && end < buffer_.size()) {
+      ++next_;
+      break;
+    }
+    if (text.size() == kMaximumLineLength) {
+      isLineCut_ = fill() && buffer_[next_] != L'\n';
+      if (!isLineCut_) ++next_;
+      break;
+    }
+  }
+  line = String(std::move(text));
+  return true;
+}
+
+bool BufferedReader::restOfLineHas(wchar_t character) {
+  std::size_t skipped = 0;
+  while (isLineCut_ && skipped <= kMaximumSkip && fill()) {
+    const std::size_t end = buffer_.find(L'\n', next_);
+    const std::wstring_view part = std::wstring_view(buffer_).substr(next_, end - next_);
+    if (part.find(character) != std::wstring_view::npos) return true;
+    skipped += part.size();
+    next_ = end == std::wstring::npos ? buffer_.size() : end + 1;
+    isLineCut_ = end == std::wstring::npos && fill();
+  }
+  return isLineCut_;
+}
+
+bool BufferedReader::fill() {
+  if (next_ >= buffer_.size()) {
+    reader_->read(buffer_);
+    next_ = 0;
+  }
+  return !buffer_.empty();
+}
+
+void BufferedReader::skipRestOfLine() {
+  isLineCut_ = false;
+  while (fill()) {
+    const std::size_t end = buffer_.find(L'\n', next_);
+    next_ = end == std::wstring::npos ? buffer_.size() : end + 1;
+    if (end != std::wstring::npos) break;
+  }
+}
+
+}  // namespace orv::io

@@ -1,0 +1,34 @@
+#include "orv/io/FileOutputStream.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <string>
+
+#include "orv/Exception.h"
+
+namespace orv::io {
+namespace {
+
+constexpr mode_t kPermissions = 0666;
+
+int openForWriting(const String& path, bool append) {
+  const int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | (append ? 0 : O_TRUNC);
+  const int descriptor = ::open(path.toBytes().c_str(), flags, kPermissions);
+  if (descriptor < 0) throw ResultException(resultOfErrno(errno));
+  return descriptor;
+}
+
+}  // namespace
+
+FileOutputStream::FileOutputStream(const String& path, bool append)
+    : path_(path), file_(openForWriting(path, append)) {}
+
+void FileOutputStream::write(std::string_view bytes) { writeFully(file_.get(), bytes, path_); }
+
+void FileOutputStream::close() {
+  const int error = file_.close();
+  if (error != 0) throwWriteError(path_, error);
+}
+
+}  // namespace orv::io

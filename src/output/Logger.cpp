@@ -1,0 +1,97 @@
+#include "output/Logger.h"
+
+#include <string>
+#include <utility>
+
+#include "orv/Exception.h"
+#include "orv/io/FileOutputStream.h"
+#include "orv/io/StdioOutputStream.h"
+#include "orv/util/FilePath.h"
+#include "output/ProcessWide.h"
+#include "util/Utils.h"
+
+namespace {
+
+struct NamedLevel {
+  const char* name;
+  Level level;
+};
+
+constexpr NamedLevel kNamedLevels[] = {
+    {"SEVERE",  Level::kSevere },
+    {"WARNING", Level::kWarning},
+    {"INFO",    Level::kInfo   },
+    {"CONFIG",  Level::kConfig },
+    {"FINE",    Level::kFine   },
+    {"FINER",   Level::kFiner  },
+    {"FINEST",  Level::kFinest },
+    {"ALL",     Level::kAll    },
+};
+
+// A bare file name behind the current folder, where that has a name.
+orv::String withFolder(const orv::String& path) {
+  if (path.contains(orv::util::FilePath::dirDelim)) return path;
+  try {
+    return orv::util::FilePath::getCurrentDir() + path;
+  } catch (const orv::ResultException&) {
+    return path;
+  }
+}
+
+}  // namespace
+
+Logger::Logger(const char* bundle, const char* prefix)
+    : messages_(orv::makeReference<MessageHelper>(bundle, prefix)) {}
+
+Logger::~Logger() {
+  try {
+    close();
+  } catch (const orv::io::IoException&) {
+    return;  // the run has failed before, or it would have closed the handlers itself
+  }
+}
+
+void Logger::close() {
+  for (const auto& handler : handlers_) handler->close();
+}
+
+void Logger::addStdOutHandler() { addHandler(orv::makeReference<orv::io::StdioOutputStream>()); }
+
+void Logger::addFileHandler(const orv::String& path) {
+  const orv::Result code = Utils::createDirs(path);
+  if (code != 0) throwError(code, path);
+  try {
+    addHandler(orv::makeReference<orv::io::FileOutputStream>(path, false));
+  } catch (const orv::Exception& failure) {
+    throwError(failure.getResult(), withFolder(path));
+  }
+}
+
+void Logger::addHandler(orv::Reference<orv::io::OutputStream> stream) {
+  handlers_.append(newPrintWriter(std::move(stream), false));
+}
+
+void Logger::setLevel(const orv::String& name) {
+  level_ = Level::kOff;
+  for (const NamedLevel& named : kNamedLevels) {
+    if (name.equalsIgnoreCase(named.name)) level_ = named.level;
+  }
+}
+
+void Logger::log(Level level, orv::String message) {
+  if (level_ > level || handlers_.isEmpty()) return;
+  const orv::String line = std::move(message.append(1, L'\n'));
+  for (const auto& handler : handlers_) {
+    handler->print(line);
+    handler->flush();
+  }
+}
+
+void Logger::throwError(orv::Result code, const orv::String& path) const {
+  if (code != orv::kAccessDenied && code != orv::kFileNotFound) throw orv::ResultException(code);
+  const std::string reason =
+      messages_->getResStr(code == orv::kAccessDenied ? "ACCESS_ERROR" : "FILE_NOT_FOUND_ERROR")
+          .toBytes();
+  throw orv::io::IoException(
+      messages_->getResStr("ERR_CREATE_FILE", path.toBytes().c_str(), reason.c_str(), code), code);
+}

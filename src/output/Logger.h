@@ -1,0 +1,70 @@
+// The one sink of all report output.
+#pragma once
+
+#include <cstdint>
+#include <utility>
+
+#include "orv/Object.h"
+#include "orv/Result.h"
+#include "orv/String.h"
+#include "orv/collections/List.h"
+#include "orv/io/OutputStream.h"
+#include "orv/io/PrintWriter.h"
+#include "output/MessageHelper.h"
+
+// The severity scale. A threshold of kOff lets nothing through.
+enum class Level : std::int32_t {
+  kAll = 0,
+  kFinest = 1,
+  kFiner = 2,
+  kFine = 3,
+  kConfig = 4,
+  kInfo = 5,
+  kWarning = 6,
+  kSevere = 7,
+  kOff = 8,
+};
+
+// Writes each message of sufficient level to every handler as one line, and flushes it, in the
+// order in which the handlers were added. A new logger has no handler and the threshold kOff.
+// Used by one thread. Writing throws orv::io::IoException.
+class Logger : public orv::Object {
+ public:
+  Logger() : Logger("ARSK", "ARSK_") {}
+  // The bundle and key prefix of the texts for files that cannot be created.
+  Logger(const char* bundle, const char* prefix);
+  ~Logger() override;
+
+  // Closes every handler. To be called when all is written: only it can tell of a file system that
+  // reports a failed write when the file is closed. Throws orv::io::IoException.
+  void close();
+
+  void addStdOutHandler();
+  // Creates the folders of the path and the file, or empties the file. Throws
+  // orv::io::IoException or orv::ResultException; no handler is added then.
+  void addFileHandler(const orv::String& path);
+
+  void setLevel(Level level) noexcept { level_ = level; }
+  // By the level's name, in any case; a name that is none turns all output off (deliberate).
+  void setLevel(const orv::String& name);
+
+  void log(Level level, orv::String message);
+  void severe(orv::String message) { log(Level::kSevere, std::move(message)); }
+  void warning(orv::String message) { log(Level::kWarning, std::move(message)); }
+  void info(orv::String message) { log(Level::kInfo, std::move(message)); }
+  void config(orv::String message) { log(Level::kConfig, std::move(message)); }
+  void fine(orv::String message) { log(Level::kFine, std::move(message)); }
+  void finer(orv::String message) { log(Level::kFiner, std::move(message)); }
+  void finest(orv::String message) { log(Level::kFinest, std::move(message)); }
+
+  // Turns a failure to create a file into orv::io::IoException, or into orv::ResultException when
+  // the code has no text of its own.
+  [[noreturn]] void throwError(orv::Result code, const orv::String& path) const;
+
+ private:
+  void addHandler(orv::Reference<orv::io::OutputStream> stream);
+
+  Level level_ = Level::kOff;
+  orv::collections::List<orv::io::PrintWriter> handlers_;
+  orv::Reference<MessageHelper> messages_;
+};

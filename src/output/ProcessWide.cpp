@@ -1,0 +1,36 @@
+#include "output/ProcessWide.h"
+
+#include <cstddef>
+#include <utility>
+
+#include "orv/io/OutputStreamWriter.h"
+#include "orv/io/StdioOutputStream.h"
+
+namespace {
+
+constexpr std::size_t kWriterBufferSize = 2048;
+
+orv::String writeErrorText(const orv::String& target, const orv::String& reason) {
+  return s_msgHelper->getResStr("ERR_WRITE_FILE") + " " + target + ": " + reason;
+}
+
+}  // namespace
+
+orv::Reference<orv::io::PrintWriter> s_pw;
+orv::Reference<orv::io::PrintWriter> s_errpw;
+orv::Reference<MessageHelper> s_msgHelper;
+bool m_JSON = false;
+
+void createProcessWideObjects() {
+  s_pw = newPrintWriter(orv::makeReference<orv::io::StdioOutputStream>(), true);
+  s_errpw = newPrintWriter(orv::io::StdioOutputStream::getStdErrorStream(), true);
+  s_msgHelper = orv::makeReference<MessageHelper>("ZELK", "ZELK_");
+  orv::io::setWriteErrorText(writeErrorText);
+}
+
+orv::Reference<orv::io::PrintWriter> newPrintWriter(orv::Reference<orv::io::OutputStream> stream,
+                                                    bool autoFlush) {
+  auto writer =
+      orv::makeReference<orv::io::OutputStreamWriter>(std::move(stream), kWriterBufferSize);
+  return orv::makeReference<orv::io::PrintWriter>(std::move(writer), autoFlush);
+}

@@ -1,0 +1,26 @@
+// What the whole process shares. Declared here, on the lowest floor that uses any of it.
+#pragma once
+
+#include "orv/Object.h"
+#include "orv/io/OutputStream.h"
+#include "orv/io/PrintWriter.h"
+#include "output/MessageHelper.h"
+
+inline constexpr const char* kProgramVersion = "15.21.016.000";
+
+// Standard output and standard error, flushed with each line, and the program's own messages. Null
+// until createProcessWideObjects().
+extern orv::Reference<orv::io::PrintWriter> s_pw;
+extern orv::Reference<orv::io::PrintWriter> s_errpw;
+extern orv::Reference<MessageHelper> s_msgHelper;
+
+// JSON output was asked for.
+extern bool m_JSON;
+
+// Creates the three objects above. From then on a failed write is described in the user's
+// language.
+void createProcessWideObjects();
+
+// A writer in the default encoding with a buffer of 2048 characters.
+orv::Reference<orv::io::PrintWriter> newPrintWriter(orv::Reference<orv::io::OutputStream> stream,
+                                                    bool autoFlush);

@@ -1,0 +1,49 @@
+// One open connection as the interface sees it.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "engine/tal.h"
+#include "tal/c/client_snapshot.h"
+#include "tal/c/file_snapshot.h"
+#include "tal/engine.h"
+
+namespace tal::c {
+
+// An engine and the snapshots that were taken from it: at most one of each kind, kept until it is
+// released or taken anew. Every failure is thrown as Failure; a look-up allocates nothing.
+class Connection {
+ public:
+  explicit Connection(std::unique_ptr<Engine> engine) noexcept;
+
+  // To be asked before a call is served. Throws Failure when the engine wants another status
+  // returned. A list that is about to be taken anew is forgotten here, so that no failure leaves
+  // an old one behind.
+  Connection& admit(Call call);
+
+  [[nodiscard]] Engine& engine() noexcept { return *engine_; }
+
+  // Each takes a snapshot and returns its length.
+  [[nodiscard]] std::size_t takeFiles();
+  [[nodiscard]] std::size_t takeClients();
+  [[nodiscard]] std::size_t takeSqlConnections();
+
+  // Throw Failure kNoSnapshot when there is none.
+  [[nodiscard]] const FileSnapshot& files() const;
+  [[nodiscard]] const ClientSnapshot& clients() const;
+  [[nodiscard]] const std::vector<SqlConnection>& sqlConnections() const;
+  void releaseFiles();
+  void releaseClients();
+  void releaseSqlConnections();
+
+ private:
+  std::unique_ptr<Engine> engine_;
+  std::optional<FileSnapshot> files_;
+  std::optional<ClientSnapshot> clients_;
+  std::optional<std::vector<SqlConnection>> sqlConnections_;
+};
+
+}  // namespace tal::c

@@ -1,0 +1,191 @@
+// The 23 functions of the interface, each one statement. They are to be called by one thread at a
+// time, over all connections.
+#include <cstdint>
+#include <string>
+
+#include "engine/tal.h"
+#include "tal/c/arguments.h"
+#include "tal/c/entry_at.h"
+#include "tal/c/guarded.h"
+#include "tal/c/layout.h"
+#include "tal/c/library.h"
+#include "tal/text.h"
+
+using tal::Call;
+using tal::c::Connection;
+using tal::c::credential;
+using tal::c::entryAt;
+using tal::c::fileName;
+using tal::c::fill;
+using tal::c::guarded;
+using tal::c::library;
+using tal::c::required;
+
+namespace {
+
+// Fills `out` with what `ask` gets from the connection. Nothing is asked when `out` is null.
+template <typename Out, typename Ask>
+std::int16_t answered(std::int32_t handle, Call call, Out* out, const Ask& ask) noexcept {
+  return guarded([&] {
+    Connection& connection = library().serving(handle, call);
+    Out& place = required(out);
+    fill(place, ask(connection));
+  });
+}
+
+using Action = void (Connection::*)();
+
+std::int16_t done(std::int32_t handle, Call call, Action action) noexcept {
+  return guarded([&] { (library().serving(handle, call).*action)(); });
+}
+
+void putInformation(Connection& from, std::uint8_t* flag, std::int32_t* first, std::int32_t* second,
+                    std::int32_t* third, std::int32_t* engineType) {
+  for (const std::int32_t* place : {first, second, third, engineType}) required(place);
+  std::uint8_t& flagPlace = required(flag);
+  const tal::Information information = from.engine().information();
+  flagPlace = information.flag;
+  *first = information.first;
+  *second = information.second;
+  *third = information.third;
+  *engineType = information.engineType;
+}
+
+// Announces in `size` how long the name is that went into the buffer.
+void putName(Connection& from, std::uint32_t index, std::uint32_t* size, char* buffer) {
+  std::uint32_t& place = required(size);
+  char& first = required(buffer);
+  if (place == 0) throw tal::Failure(tal::Status::kBadArgument);
+  fill(place, tal::putText({&first, place}, from.files().at(index).name));
+}
+
+void connect(const char* server, const char* user, const char* password, std::int32_t* handle) {
+  tal::c::Library& started = library().requireStarted();
+  std::int32_t& place = required(handle);
+  place = started.connect(credential(server),
+                          {std::string(credential(user)), std::string(credential(password))});
+}
+
+}  // namespace
+
+int16_t TalStart(void* /*reserved*/) {
+  return guarded([] { library().start(); });
+}
+
+int16_t TalStop(void* /*reserved*/) {
+  return guarded([] { library().stop(); });
+}
+
+int16_t TalConnectServer(const char* server, const char* user, const char* password,
+                         int32_t* handle) {
+  return guarded([&] { connect(server, user, password, handle); });
+}
+
+int16_t TalDisconnect(int32_t handle) {
+  return guarded([&] { library().disconnect(handle); });
+}
+
+int16_t TalGetEngineInformation(int32_t handle, uint8_t* flag, int32_t* first, int32_t* second,
+                                int32_t* third, int32_t* engineType) {
+  return guarded([&] {
+    putInformation(library().serving(handle, Call::kGetEngineInformation), flag, first, second,
+                   third, engineType);
+  });
+}
+
+int16_t TalGetZorbVersion(int32_t handle, TalVersion* version) {
+  return answered(handle, Call::kGetZorbVersion, version,
+                  [](Connection& from) { return from.engine().version(); });
+}
+
+int16_t TalGetZorbUsageEx2(int32_t handle, TalUsage* usage) {
+  return answered(handle, Call::kGetZorbUsageEx2, usage,
+                  [](Connection& from) { return from.engine().usage(); });
+}
+
+int16_t TalGetZorbCommStatEx(int32_t handle, TalCommStat* statistics) {
+  return answered(handle, Call::kGetZorbCommStatEx, statistics,
+                  [](Connection& from) { return from.engine().communication(); });
+}
+
+int16_t TalGetOpenFilesData(int32_t handle, uint32_t* count) {
+  return answered(handle, Call::kGetOpenFilesData, count,
+                  [](Connection& from) { return from.takeFiles(); });
+}
+
+int16_t TalGetOpenFileName(int32_t handle, uint32_t index, uint32_t* size, char* name) {
+  return guarded(
+      [&] { putName(library().serving(handle, Call::kGetOpenFileName), index, size, name); });
+}
+
+int16_t TalGetFileInfo2(int32_t handle, const char* name, TalFileInfo* info) {
+  return answered(handle, Call::kGetFileInfo2, info, [&](Connection& from) -> decltype(auto) {
+    return from.files().find(fileName(name));
+  });
+}
+
+int16_t TalFreeOpenFilesData(int32_t handle) {
+  return done(handle, Call::kFreeOpenFilesData, &Connection::releaseFiles);
+}
+
+int16_t TalGetFileHandlesData(int32_t handle, const char* name, uint32_t* count) {
+  return answered(handle, Call::kGetFileHandlesData, count, [&](Connection& from) {
+    return from.files().find(fileName(name)).handles.size();
+  });
+}
+
+int16_t TalGetFileHandleInfo(int32_t handle, const char* name, uint32_t index,
+                             TalFileHandleInfo* info) {
+  return answered(handle, Call::kGetFileHandleInfo, info, [&](Connection& from) -> decltype(auto) {
+    return entryAt(from.files().find(fileName(name)).handles, index);
+  });
+}
+
+int16_t TalGetZorbClientsData(int32_t handle, uint32_t* count) {
+  return answered(handle, Call::kGetZorbClientsData, count,
+                  [](Connection& from) { return from.takeClients(); });
+}
+
+int16_t TalGetZorbClientId(int32_t handle, uint32_t index, tagTALCLIENTID* client) {
+  return answered(handle, Call::kGetZorbClientId, client,
+                  [&](Connection& from) -> decltype(auto) { return from.clients().at(index); });
+}
+
+int16_t TalGetZorbClientInfo(int32_t handle, const tagTALCLIENTID* client, TalClientInfo* info) {
+  return answered(handle, Call::kGetZorbClientInfo, info, [&](Connection& from) -> decltype(auto) {
+    return from.clients().find(required(client));
+  });
+}
+
+int16_t TalGetZorbClientHandlesData(int32_t handle, const tagTALCLIENTID* client, uint32_t* count) {
+  return answered(handle, Call::kGetZorbClientHandlesData, count, [&](Connection& from) {
+    return from.clients().find(required(client)).handles.size();
+  });
+}
+
+int16_t TalGetZorbClientHandleInfo(int32_t handle, const tagTALCLIENTID* client, uint32_t index,
+                                   TalClientHandleInfo* info) {
+  return answered(handle, Call::kGetZorbClientHandleInfo, info,
+                  [&](Connection& from) -> decltype(auto) {
+                    return entryAt(from.clients().find(required(client)).handles, index);
+                  });
+}
+
+int16_t TalFreeZorbClientsData(int32_t handle) {
+  return done(handle, Call::kFreeZorbClientsData, &Connection::releaseClients);
+}
+
+int16_t TalGetSQLConnectionsData(int32_t handle, uint32_t* count) {
+  return answered(handle, Call::kGetSQLConnectionsData, count,
+                  [](Connection& from) { return from.takeSqlConnections(); });
+}
+
+int16_t TalGetSQLConnectionInfo2(int32_t handle, uint32_t index, TalSqlConnectionInfo* info) {
+  return answered(
+      handle, Call::kGetSQLConnectionInfo2, info,
+      [&](Connection& from) -> decltype(auto) { return entryAt(from.sqlConnections(), index); });
+}
+
+int16_t TalFreeSQLConnectionsData(int32_t handle) {
+  return done(handle, Call::kFreeSQLConnectionsData, &Connection::releaseSqlConnections);
+}

@@ -1,0 +1,73 @@
+#include "tal/mariadb/data_files.h"
+
+#include <string_view>
+
+namespace tal::mariadb {
+namespace {
+
+enum Column : std::size_t { kPart, kPath, kEvent, kSpace, kPageSize, kBytes, kSchema, kTable };
+
+constexpr std::string_view kInnodbData = "wait/io/file/innodb/innodb_data_file";
+
+// The server's own logs and Aria's are no files of a table, though they lie where one could.
+bool belongsToTable(std::string_view event, std::string_view path) {
+  if (event == kInnodbData) return path.ends_with(".ibd");
+  return !event.starts_with("wait/io/file/sql/") && !event.starts_with("wait/io/file/innodb/") &&
+         event != "wait/io/file/aria/control" && event != "wait/io/file/aria/translog";
+}
+
+std::int64_t pageSizeOf(std::string_view event, const ServerFacts& facts) {
+  if (event == "wait/io/file/aria/MAD" || event == "wait/io/file/aria/MAI") {
+    return facts.ariaBlockSize;
+  }
+  return event == "wait/io/file/myisam/kfile" ? facts.myisamBlockSize : 0;
+}
+
+TableName tableOf(const sql::RowSource& row) {
+  return {sql::text(row, kSchema), sql::text(row, kTable)};
+}
+
+DataFile openFile(const sql::RowSource& row, const ServerFacts& facts) {
+  const std::string event = sql::text(row, kEvent);
+  DataFile file{.path = sql::text(row, kPath), .table = {}, .space = {}};
+  file.isInnodb = event.starts_with("wait/io/file/innodb/");
+  file.pageSize = pageSizeOf(event, facts);
+  if (belongsToTable(event, file.path)) file.table = tableOf(row);
+  return file;
+}
+
+void addTablespace(DataFile& file, const sql::RowSource& row) {
+  file.isInnodb = true;
+  file.space = sql::integer(row, kSpace);
+  file.pageSize = sql::integer(row, kPageSize);
+  file.bytes = sql::integer(row, kBytes);
+  if (file.path.ends_with(".ibd")) file.table = tableOf(row);
+}
+
+}  // namespace
+
+std::vector<DataFile> decodeFiles(sql::RowSource& rows, const ServerFacts& facts) {
+  std::vector<DataFile> files;
+  std::unordered_map<std::string, std::size_t> indexes;
+  while (rows.next()) {
+    const bool isTablespace = sql::text(rows, kPart) == "I";
+    const auto [known, isNew] = indexes.try_emplace(sql::text(rows, kPath), files.size());
+    if (isNew) files.push_back(openFile(rows, facts));
+    if (isTablespace) addTablespace(files[known->second], rows);
+  }
+  return files;
+}
+
+TableFiles::TableFiles(const std::vector<DataFile>& files) : files_(files) {
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    if (files[i].table) indexes_[*files[i].table].push_back(i);
+  }
+}
+
+const std::vector<std::size_t>& TableFiles::of(const TableName& table) const {
+  static const std::vector<std::size_t> kNone;
+  const auto found = indexes_.find(table);
+  return found == indexes_.end() ? kNone : found->second;
+}
+
+}  // namespace tal::mariadb

@@ -1,0 +1,26 @@
+// Whether and how the connection is encrypted, as the client's option files ask for it.
+#pragma once
+
+#include <mysql.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tal/mariadb/option_files.h"
+
+namespace tal::mariadb {
+
+struct Encryption {
+  bool wanted = false;    // when it is, an unencrypted connection is refused
+  bool verified = false;  // the server's certificate must be valid for the host
+  std::vector<std::pair<mysql_option, std::string>> settings;  // files, ciphers, versions
+};
+
+// Reads ssl, ssl-enforce, ssl-verify-server-cert, ssl-ca, ssl-capath, ssl-cert, ssl-key,
+// ssl-cipher, ssl-crl, ssl-crlpath and tls-version. Each of them asks for encryption, but for
+// "ssl=0" beside others that only say how. Throws Failure(kTlsFailed) for another option that
+// begins with "ssl" or "tls": one that is not understood must not end in a plain connection.
+Encryption encryptionOf(const Options& options);
+
+}  // namespace tal::mariadb

@@ -1,0 +1,25 @@
+#include "tal/mariadb/location.h"
+
+#include <sys/un.h>
+
+#include "tal/failure.h"
+
+namespace tal::mariadb {
+namespace {
+
+constexpr std::size_t kLongestPath = sizeof(sockaddr_un::sun_path) - 1;
+
+std::string checkedSocketPath(std::string_view path) {
+  const bool named = path.back() != '/' && path.find('\0') == std::string_view::npos;
+  if (!named || path.size() > kLongestPath) throw Failure(Status::kBadServerName);
+  return std::string(path);
+}
+
+}  // namespace
+
+Location parseLocation(std::string_view text) {
+  if (text.starts_with('/')) return {.socketPath = checkedSocketPath(text), .address = {}};
+  return {.socketPath = {}, .address = sql::parseAddress(text, kDefaultPort)};
+}
+
+}  // namespace tal::mariadb

@@ -1,0 +1,20 @@
+// The engine over a MariaDB server.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "tal/connect.h"
+#include "tal/engine.h"
+
+namespace tal::mariadb {
+
+// Logs in to the server at `location`, which is what follows "mariadb://" in the server name (see
+// location.h), and checks that the account may see all that the engine reports. Throws Failure:
+// kBadServerName, kVersionNotSupported, or why the login failed.
+//
+// A session that the server has ended is opened again once in each call; the peaks that the engine
+// keeps survive that. No call takes longer than sql::kCallLimit.
+std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials);
+
+}  // namespace tal::mariadb

@@ -1,0 +1,14 @@
+// SQL connections: every client connection, with what it does and since when.
+#pragma once
+
+#include <vector>
+
+#include "tal/engine.h"
+#include "tal/sql/row.h"
+
+namespace tal::mariadb {
+
+// Reads sql_connections.sql and joins its parts; sorted by the connections' numbers.
+std::vector<SqlConnection> decodeSqlConnections(sql::RowSource& rows);
+
+}  // namespace tal::mariadb

@@ -1,0 +1,15 @@
+// Rows of clients.sql as record-level clients.
+#pragma once
+
+#include <vector>
+
+#include "tal/engine.h"
+#include "tal/sql/row.h"
+
+namespace tal::postgresql {
+
+// One client for each process, with one handle for each row of it that names a file. Clients keep
+// the order of their first rows. Throws Failure(kServerError) when a number is none.
+std::vector<Client> readClients(sql::RowSource& rows);
+
+}  // namespace tal::postgresql

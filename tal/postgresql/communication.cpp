@@ -1,0 +1,41 @@
+#include "tal/postgresql/communication.h"
+
+#include "tal/failure.h"
+#include "tal/sql/numbers.h"
+
+namespace tal::postgresql {
+namespace {
+
+enum Column : std::size_t {
+  kTransactions,
+  kAbandoned,
+  kFatal,
+  kKilled,
+  kRemoteSessions,
+  kServingProcesses,
+  kMaximumConnections,
+  kMaximumSenders,
+};
+
+}  // namespace
+
+Communication CommunicationReader::read(sql::RowSource& rows) {
+  if (!rows.next()) throw Failure(Status::kServerError);
+  const auto number = [&rows](Column column) { return sql::integer(rows, column); };
+  // Clamped before they are added: what the server sends may be any number.
+  const std::int64_t connections = sql::clampMaximum(number(kMaximumConnections));
+  const std::int64_t senders = sql::clampMaximum(number(kMaximumSenders));
+
+  Communication result;
+  result.requests = sql::clampUnsigned(number(kTransactions));
+  result.remoteSessions = remoteSessions_.sample(number(kRemoteSessions), connections);
+  result.threads = threads_.sample(number(kServingProcesses), connections + senders);
+  result.timeouts = sql::clampUnsigned(number(kAbandoned));
+  result.protocols.push_back({.code = kTcpIpProtocol,
+                              .requests = 0,
+                              .currentSessions = result.remoteSessions.current,
+                              .peakSessions = result.remoteSessions.peak});
+  return result;
+}
+
+}  // namespace tal::postgresql

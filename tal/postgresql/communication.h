@@ -1,0 +1,22 @@
+// The row of communication.sql as communication statistics.
+#pragma once
+
+#include "tal/engine.h"
+#include "tal/sql/peak.h"
+#include "tal/sql/row.h"
+
+namespace tal::postgresql {
+
+// Keeps the peaks of one connection: the server keeps none.
+class CommunicationReader {
+ public:
+  // The statistics in the first row, with one protocol, TCP/IP. Throws Failure(kServerError) when
+  // there is no row or a number is none.
+  Communication read(sql::RowSource& rows);
+
+ private:
+  sql::Peak remoteSessions_;
+  sql::Peak threads_;
+};
+
+}  // namespace tal::postgresql

@@ -1,0 +1,99 @@
+#include "tal/postgresql/connection.h"
+
+#include <poll.h>
+
+#include "tal/failure.h"
+#include "tal/postgresql/errors.h"
+#include "tal/sql/wait.h"
+
+namespace tal::postgresql {
+namespace {
+
+bool isError(const PGresult* result) {
+  const ExecStatusType status = PQresultStatus(result);
+  return status != PGRES_TUPLES_OK && status != PGRES_COMMAND_OK;
+}
+
+bool endsSession(Status status) {
+  return status == Status::kNoAnswer || status == Status::kConnectionLost;
+}
+
+}  // namespace
+
+bool ResultRows::next() { return ++row_ < PQntuples(result_.get()); }
+
+std::optional<std::string_view> ResultRows::cell(std::size_t column) const {
+  const auto count = static_cast<std::size_t>(PQnfields(result_.get()));
+  const int number = static_cast<int>(column);
+  if (column >= count || PQgetisnull(result_.get(), row_, number) == 1) return {};
+  return std::string_view(PQgetvalue(result_.get(), row_, number),
+                          static_cast<std::size_t>(PQgetlength(result_.get(), row_, number)));
+}
+
+Connection::Connection(ConnectionHandle session) : session_(std::move(session)) {
+  // A server that no longer reads must not hold up the sending either.
+  PQsetnonblocking(session_.get(), 1);
+}
+
+ResultRows Connection::run(const Statement& statement, const sql::Deadline& deadline) {
+  if (!session_) throw Failure(Status::kConnectionLost);
+  const sql::Deadline limit = deadline.within(sql::kStatementLimit);
+  try {
+    if (!prepared_.contains(statement.name)) prepare(statement, limit);
+    return ResultRows(execute(statement, limit));
+  } catch (const Failure& failure) {
+    if (endsSession(failure.status())) session_.reset();
+    throw;
+  }
+}
+
+void Connection::prepare(const Statement& statement, const sql::Deadline& deadline) {
+  const int sent = PQsendPrepare(session_.get(), statement.name, statement.text, 0, nullptr);
+  collect(sent == 1, deadline);
+  prepared_.insert(statement.name);
+}
+
+ResultHandle Connection::execute(const Statement& statement, const sql::Deadline& deadline) {
+  const int sent =
+      PQsendQueryPrepared(session_.get(), statement.name, 0, nullptr, nullptr, nullptr, 0);
+  return collect(sent == 1, deadline);
+}
+
+// The first error is the server's own; those that follow it tell only that the session is gone.
+ResultHandle Connection::collect(bool sent, const sql::Deadline& deadline) {
+  if (!sent) throw Failure(reasonOf(nullptr));
+  flush(deadline);
+
+  ResultHandle kept;
+  while (ResultHandle result = nextResult(deadline)) {
+    if (!kept || !isError(kept.get())) kept = std::move(result);
+  }
+  if (!kept || isError(kept.get())) throw Failure(reasonOf(kept.get()));
+  return kept;
+}
+
+void Connection::flush(const sql::Deadline& deadline) {
+  for (;;) {
+    const int pending = PQflush(session_.get());
+    // A failed sending shows its reason when the answer is read.
+    if (pending <= 0) return;
+    sql::waitForSocket(PQsocket(session_.get()), POLLIN | POLLOUT, deadline);
+    if (PQconsumeInput(session_.get()) == 0) return;
+  }
+}
+
+ResultHandle Connection::nextResult(const sql::Deadline& deadline) {
+  while (PQisBusy(session_.get()) == 1) {
+    sql::waitForSocket(PQsocket(session_.get()), POLLIN, deadline);
+    if (PQconsumeInput(session_.get()) == 0) break;
+  }
+  return ResultHandle(PQgetResult(session_.get()));
+}
+
+Status Connection::reasonOf(const PGresult* result) const {
+  if (PQstatus(session_.get()) == CONNECTION_BAD) return Status::kConnectionLost;
+  const char* const sqlState = PQresultErrorField(result, PG_DIAG_SQLSTATE);
+  return statusOf(sqlState != nullptr ? sqlState : "");
+}
+
+}  // namespace tal::postgresql

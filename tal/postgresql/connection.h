@@ -1,0 +1,56 @@
+// One session on a server, and statements in it.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "tal/postgresql/handles.h"
+#include "tal/postgresql/statements.h"
+#include "tal/sql/deadline.h"
+#include "tal/sql/row.h"
+#include "tal/status.h"
+
+namespace tal::postgresql {
+
+// The rows of one result.
+class ResultRows : public sql::RowSource {
+ public:
+  explicit ResultRows(ResultHandle result) : result_(std::move(result)) {}
+
+  bool next() override;
+  [[nodiscard]] std::optional<std::string_view> cell(std::size_t column) const override;
+
+ private:
+  ResultHandle result_;
+  int row_ = -1;
+};
+
+// Runs statements on a session that is logged in. Not for use by several threads at once.
+class Connection {
+ public:
+  explicit Connection(ConnectionHandle session);
+
+  // As the server gives it, 150020 for 15.20.
+  [[nodiscard]] int serverVersion() const { return PQserverVersion(session_.get()); }
+
+  // Runs a statement, preparing it when it is new here; waits no longer than kStatementLimit and
+  // `deadline`. Throws Failure with the first error of the server, or kNoAnswer. After kNoAnswer or
+  // kConnectionLost the session is closed and every further call throws kConnectionLost.
+  ResultRows run(const Statement& statement, const sql::Deadline& deadline);
+
+ private:
+  void prepare(const Statement& statement, const sql::Deadline& deadline);
+  ResultHandle execute(const Statement& statement, const sql::Deadline& deadline);
+  ResultHandle collect(bool sent, const sql::Deadline& deadline);
+  void flush(const sql::Deadline& deadline);
+  ResultHandle nextResult(const sql::Deadline& deadline);
+  [[nodiscard]] Status reasonOf(const PGresult* result) const;
+
+  ConnectionHandle session_;
+  std::set<std::string> prepared_;
+};
+
+}  // namespace tal::postgresql

@@ -1,0 +1,18 @@
+// The engine over a PostgreSQL server, version 14 or later.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "tal/connect.h"
+#include "tal/engine.h"
+
+namespace tal::postgresql {
+
+// Logs in to the server that `location` names (what follows "postgresql://", see location.h) and
+// checks its version and the account's privileges. With an empty password the password file of the
+// client library may supply one; an empty user is that of the operating system. Throws Failure with
+// the reason when any of that fails; takes 10 s at most.
+std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials);
+
+}  // namespace tal::postgresql

@@ -1,0 +1,29 @@
+// The row of usage.sql as resource usage.
+#pragma once
+
+#include "tal/engine.h"
+#include "tal/sql/peak.h"
+#include "tal/sql/row.h"
+
+namespace tal::postgresql {
+
+// Keeps the peaks of one connection: the server keeps none.
+class UsageReader {
+ public:
+  // The usage in the first row. Throws Failure(kServerError) when there is no row or a number is
+  // none.
+  Usage read(sql::RowSource& rows);
+
+ private:
+  sql::Peak users_;
+  sql::Peak files_;
+  sql::Peak handles_;
+  sql::Peak transactions_;
+  sql::Peak clients_;
+  sql::Peak workerThreads_;
+  sql::Peak locks_;
+  sql::Peak dataMb_;
+  sql::Peak sessions_;
+};
+
+}  // namespace tal::postgresql

@@ -1,0 +1,46 @@
+// Which call it is: what the refreshes and the faults of a scenario are counted by.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tal/engine.h"
+#include "tal/sim/scenario.h"
+
+namespace tal::sim {
+
+// The call of this name; nothing for another name, and for TalStart, which precedes every scenario.
+std::optional<Call> callNamed(std::string_view name);
+
+// Counts the calls on one connection. Every list has refreshes of its own: they are the calls that
+// take its snapshot, whether they succeed or not. The refresh of any other call is the number of
+// times it was made.
+class Calls {
+ public:
+  explicit Calls(std::vector<Fault> faults) : faults_(std::move(faults)) {}
+
+  // Counts the call and tells what is to be returned instead of an answer.
+  Status count(Call call);
+
+  // The present refresh of a list or counter, from 1.
+  [[nodiscard]] std::uint64_t refresh(Call call) const noexcept;
+
+ private:
+  struct Counter {
+    std::uint64_t inAll = 0;
+    std::uint64_t inRefresh = 0;
+  };
+  static constexpr std::size_t kCalls = static_cast<std::size_t>(Call::kFreeSQLConnectionsData) + 1;
+
+  [[nodiscard]] bool applies(const Fault& fault) const noexcept;
+
+  std::vector<Fault> faults_;
+  std::array<Counter, kCalls> counters_{};
+};
+
+}  // namespace tal::sim

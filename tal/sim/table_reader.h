@@ -1,0 +1,74 @@
+// One table of a scenario, key by key.
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "tal/sim/document.h"
+#include "tal/sim/scenario.h"
+#include "tal/sim/value_reader.h"
+#include "tal/sim/values.h"
+#include "tal/sim/words.h"
+
+namespace tal::sim {
+
+// Reads the keys of a table into the values of a scenario. A key that is absent leaves its value
+// as it is. Everything throws ScenarioError for what does not fit.
+class TableReader {
+ public:
+  // The table must outlive the reader. `where` is how messages call it, as in "[usage]".
+  TableReader(const Node::Table& table, int line, std::string where);
+
+  // The same for a node that is a table.
+  TableReader(const Node& table, std::string where);
+
+  [[nodiscard]] int line() const noexcept { return line_; }
+
+  template <std::integral Field>
+  void read(std::string_view key, Number<Field>& number, Words words = {},
+            Forms forms = Forms::kStepped) {
+    const Member* const member = take(key);
+    if (member == nullptr) return;
+    NumberValue value =
+        numberOf(*member, {Number<Field>::kLowest, Number<Field>::kHighest, words, forms});
+    number = Number<Field>(std::move(value.byRefresh), value.step, value.each);
+  }
+
+  void read(std::string_view key, Text& text);
+
+  // A single number or text; nothing when the key is absent.
+  [[nodiscard]] std::optional<std::int64_t> number(std::string_view key, std::int64_t lowest,
+                                                   std::int64_t highest);
+  [[nodiscard]] std::optional<std::string> text(std::string_view key);
+
+  // The reader of a table inside this one; nothing when the key is absent.
+  [[nodiscard]] std::optional<TableReader> table(std::string_view key, std::string where);
+
+  // The tables of a list of tables; none when the key is absent.
+  [[nodiscard]] std::vector<const Node*> tables(std::string_view key);
+
+  // Refuses a table that lacks the key.
+  void require(std::string_view key) const;
+
+  // Refuses the value of a key that the table has.
+  [[noreturn]] void refuseValue(std::string_view key, std::string_view expected) const;
+
+  // Refuses the first key that was not asked for.
+  void finish() const;
+
+ private:
+  [[nodiscard]] const Member* find(std::string_view key) const;
+  [[nodiscard]] const Member* take(std::string_view key);
+
+  const Node::Table* table_;
+  int line_;
+  std::string where_;
+  std::vector<std::string_view> asked_;
+};
+
+}  // namespace tal::sim

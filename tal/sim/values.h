@@ -1,0 +1,80 @@
+// Values of a scenario: what they are depends on the refresh, and on the item among its like.
+#pragma once
+
+#include <algorithm>
+#include <concepts>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tal::sim {
+
+// Which value is asked for; all numbers run from 1.
+struct Place {
+  std::uint64_t refresh = 1;
+  std::uint64_t item = 1;   // among the items of one entry of the scenario
+  std::uint64_t owner = 1;  // of a handle: its file or client, among those of its entry
+};
+
+// The entry for `refresh` (from 1) in a list with an entry for each refresh; the last one repeats.
+// The list must not be empty.
+template <typename Value>
+const Value& byRefresh(const std::vector<Value>& values, std::uint64_t refresh) {
+  return values[static_cast<std::size_t>(std::min<std::uint64_t>(refresh, values.size())) - 1];
+}
+
+// A sum that stops at the ends of the 64-bit range.
+std::int64_t saturatingSum(std::int64_t base, std::int64_t step, std::uint64_t times) noexcept;
+
+// A number that fits a field of type Field at every place: what would leave its range stops at the
+// range's end.
+template <std::integral Field>
+class Number {
+ public:
+  static constexpr std::int64_t kLowest = std::numeric_limits<Field>::min();
+  static constexpr std::int64_t kHighest = std::numeric_limits<Field>::max();
+
+  // The same value at every place.
+  Number(Field always) : values_{std::int64_t{always}} {}
+
+  // One value for each refresh, at least one and all in the field's range. `step` is added with
+  // every refresh, `each` with every item.
+  Number(std::vector<std::int64_t> values, std::int64_t step, std::int64_t each)
+      : values_(std::move(values)), step_(step), each_(each) {}
+
+  [[nodiscard]] Field at(const Place& place) const noexcept {
+    const std::int64_t base = byRefresh(values_, place.refresh);
+    const std::int64_t stepped = saturatingSum(base, step_, place.refresh - 1);
+    const std::int64_t sum = saturatingSum(stepped, each_, place.item - 1);
+    return static_cast<Field>(std::clamp(sum, kLowest, kHighest));
+  }
+
+  // The largest value that is listed; steps are not looked at.
+  [[nodiscard]] Field largest() const noexcept {
+    return static_cast<Field>(std::ranges::max(values_));
+  }
+
+ private:
+  std::vector<std::int64_t> values_;
+  std::int64_t step_ = 0;
+  std::int64_t each_ = 0;
+};
+
+// A text in which {n} stands for the number of the item, {owner} for that of its owner and {xHH}
+// for the byte with that hexadecimal number. Other braces stand for themselves.
+class Text {
+ public:
+  Text() : values_(1) {}
+
+  // One text for each refresh, at least one.
+  explicit Text(std::vector<std::string> values) : values_(std::move(values)) {}
+
+  [[nodiscard]] std::string at(const Place& place) const;
+
+ private:
+  std::vector<std::string> values_;
+};
+
+}  // namespace tal::sim

@@ -1,0 +1,28 @@
+// Numbers of a server, as the interface's 32-bit fields carry them.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+namespace tal::sql {
+
+// Gauges and totals alike are clamped, never wrapped: a figure that stops rising is seen to be
+// saturated, one that starts again from 0 looks like a restart.
+constexpr std::uint32_t clampUnsigned(std::int64_t value) noexcept {
+  constexpr std::int64_t kLargest = std::numeric_limits<std::uint32_t>::max();
+  return static_cast<std::uint32_t>(std::clamp<std::int64_t>(value, 0, kLargest));
+}
+
+// A maximum, which the interface carries signed.
+constexpr std::int32_t clampMaximum(std::int64_t value) noexcept {
+  constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, 0, kLargest));
+}
+
+// Whole kilobytes that hold `bytes`.
+constexpr std::uint32_t kilobytes(std::int64_t bytes) noexcept {
+  return clampUnsigned(bytes / 1024 + (bytes % 1024 > 0 ? 1 : 0));
+}
+
+}  // namespace tal::sql

@@ -1,0 +1,95 @@
+#include "tal/sql/resolve.h"
+
+#include <arpa/inet.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <future>
+#include <memory>
+#include <thread>
+
+#include "tal/failure.h"
+
+namespace tal::sql {
+namespace {
+
+using Addresses = std::vector<std::string>;
+
+std::string numericText(const addrinfo& entry) {
+  char text[NI_MAXHOST] = "";
+  ::getnameinfo(entry.ai_addr, entry.ai_addrlen, text, sizeof text, nullptr, 0, NI_NUMERICHOST);
+  return text;
+}
+
+// Empty when the host is not known.
+Addresses lookUp(const std::string& host, int flags) {
+  addrinfo hints{};
+  hints.ai_socktype = SOCK_STREAM;
+  hints.ai_flags = flags;
+  addrinfo* list = nullptr;
+  if (::getaddrinfo(host.c_str(), nullptr, &hints, &list) != 0) return {};
+
+  const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(list, &::freeaddrinfo);
+  Addresses addresses;
+  for (const addrinfo* entry = list; entry != nullptr; entry = entry->ai_next) {
+    std::string address = numericText(*entry);
+    if (std::ranges::find(addresses, address) == addresses.end()) {
+      addresses.push_back(std::move(address));
+    }
+  }
+  return addresses;
+}
+
+// Keeps signals away from threads started while it lives: they are the program's business.
+class SignalsBlocked {
+ public:
+  SignalsBlocked() {
+    sigset_t all;
+    sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  SignalsBlocked(const SignalsBlocked&) = delete;
+  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+  ~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_;
+};
+
+// The thread cannot be stopped: past the deadline it is left to end by itself, and owns all that it
+// uses.
+std::future<Addresses> startLookUp(const std::string& host) {
+  std::packaged_task<Addresses()> task([host] { return lookUp(host, 0); });
+  std::future<Addresses> result = task.get_future();
+  const SignalsBlocked blocked;
+  std::thread(std::move(task)).detach();
+  return result;
+}
+
+}  // namespace
+
+std::vector<std::string> resolveHost(const std::string& host, const Deadline& deadline) {
+  if (Addresses numeric = lookUp(host, AI_NUMERICHOST); !numeric.empty()) return numeric;
+
+  std::future<Addresses> result = startLookUp(host);
+  if (result.wait_for(deadline.remaining()) != std::future_status::ready) {
+    throw Failure(Status::kNoAnswer);
+  }
+  Addresses addresses = result.get();
+  if (addresses.empty()) throw Failure(Status::kCannotReach);
+  return addresses;
+}
+
+bool isLoopback(const std::string& address) {
+  in_addr v4{};
+  if (::inet_pton(AF_INET, address.c_str(), &v4) == 1) return (ntohl(v4.s_addr) >> 24U) == 127;
+
+  in6_addr v6{};
+  return ::inet_pton(AF_INET6, address.c_str(), &v6) == 1 && IN6_IS_ADDR_LOOPBACK(&v6);
+}
+
+}  // namespace tal::sql

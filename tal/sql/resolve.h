@@ -1,0 +1,20 @@
+// Looking up host names within a time limit. The system's own look-up has none that a caller could
+// set, and the client libraries use it as it is.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tal/sql/deadline.h"
+
+namespace tal::sql {
+
+// The numeric addresses of a host, in the order in which they should be tried; at least one. A
+// numeric host is its own address. Throws Failure: kCannotReach for an unknown host, kNoAnswer when
+// `deadline` passes first.
+std::vector<std::string> resolveHost(const std::string& host, const Deadline& deadline);
+
+// Whether a numeric address is one of this machine's loopback addresses.
+bool isLoopback(const std::string& address);
+
+}  // namespace tal::sql

@@ -1,0 +1,47 @@
+// Rows of a statement's result, as decoders read them: from a server, or from a test's table. What
+// a server sends is not trusted: a decoder meets any text, any number and NULL in any column.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tal::sql {
+
+// A result with a cursor that stands before the first row.
+class RowSource {
+ public:
+  RowSource() = default;
+  RowSource(const RowSource&) = delete;
+  RowSource& operator=(const RowSource&) = delete;
+  virtual ~RowSource() = default;
+
+  // Moves to the next row; false when there is none.
+  virtual bool next() = 0;
+  // The text of a column (from 0) in the present row, nothing for NULL and for a column that the
+  // result does not have. Valid until next() is called.
+  [[nodiscard]] virtual std::optional<std::string_view> cell(std::size_t column) const = 0;
+};
+
+// A column as text; NULL is the empty text.
+std::string text(const RowSource& row, std::size_t column);
+
+// A column as a whole number. NULL is 0, and what does not fit 64 bits is the nearest that does.
+// Throws Failure(kServerError) for a text that is no whole number.
+std::int64_t integer(const RowSource& row, std::size_t column);
+
+// A column as a code of the interface; NULL and what does not fit `Code` are `unknown`.
+template <std::integral Code>
+Code code(const RowSource& row, std::size_t column, Code unknown) {
+  if (!row.cell(column)) return unknown;
+  const std::int64_t value = integer(row, column);
+  const bool fits = value >= std::int64_t{std::numeric_limits<Code>::min()} &&
+                    value <= std::int64_t{std::numeric_limits<Code>::max()};
+  return fits ? static_cast<Code>(value) : unknown;
+}
+
+}  // namespace tal::sql

@@ -1,0 +1,13 @@
+// Waiting for a connection's socket.
+#pragma once
+
+#include "tal/sql/deadline.h"
+
+namespace tal::sql {
+
+// Waits until `socket` is ready for one of `events` (POLLIN, POLLOUT as poll() takes them) and
+// returns those it is ready for; an error on the socket counts as ready, for the next read tells
+// more about it. Signals do not end the wait. Throws Failure(kNoAnswer) when `deadline` passes.
+short waitForSocket(int socket, short events, const Deadline& deadline);
+
+}  // namespace tal::sql

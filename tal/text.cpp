@@ -1,0 +1,76 @@
+#include "tal/text.h"
+
+#include <algorithm>
+
+namespace tal {
+namespace {
+
+unsigned char byteAt(std::string_view text, std::size_t at) noexcept {
+  return static_cast<unsigned char>(text[at]);
+}
+
+std::size_t announcedLength(unsigned char lead) noexcept {
+  if (lead >= 0xc2 && lead <= 0xdf) return 2;
+  if (lead >= 0xe0 && lead <= 0xef) return 3;
+  if (lead >= 0xf0 && lead <= 0xf4) return 4;
+  return 1;
+}
+
+// Whether the second byte of a character may follow its first: neither overlong, nor a surrogate,
+// nor beyond the last character.
+bool mayFollow(unsigned char lead, unsigned char second) noexcept {
+  if (lead == 0xe0) return second >= 0xa0;
+  if (lead == 0xed) return second <= 0x9f;
+  if (lead == 0xf0) return second >= 0x90;
+  if (lead == 0xf4) return second <= 0x8f;
+  return true;
+}
+
+bool isControl(std::string_view character) noexcept {
+  const unsigned char first = byteAt(character, 0);
+  if (character.size() == 1) return first < 0x20 || first == 0x7f;
+  return character.size() == 2 && first == 0xc2 && byteAt(character, 1) < 0xa0;
+}
+
+// `out` may be where `text` begins: what is written never overtakes what is read.
+std::size_t write(char* out, std::size_t limit, std::string_view text) noexcept {
+  std::size_t length = 0;
+  while (!text.empty()) {
+    const std::string_view character = text.substr(0, characterLength(text));
+    const bool control = isControl(character);
+    const std::size_t width = control ? 1 : character.size();
+    if (length + width > limit) break;
+    if (control) {
+      out[length] = '?';
+    } else {
+      std::copy(character.begin(), character.end(), out + length);
+    }
+    length += width;
+    text.remove_prefix(character.size());
+  }
+  return length;
+}
+
+}  // namespace
+
+std::size_t characterLength(std::string_view text) noexcept {
+  const unsigned char lead = byteAt(text, 0);
+  const std::size_t length = announcedLength(lead);
+  if (length > text.size()) return 1;
+  for (std::size_t at = 1; at < length; ++at) {
+    if ((byteAt(text, at) & 0xc0) != 0x80) return 1;
+  }
+  return length == 1 || mayFollow(lead, byteAt(text, 1)) ? length : 1;
+}
+
+std::size_t putText(std::span<char> field, std::string_view text) noexcept {
+  const std::size_t length = write(field.data(), field.size() - 1, text);
+  field[length] = '\0';
+  return length;
+}
+
+void fitText(std::string& text, std::size_t limit) noexcept {
+  text.resize(write(text.data(), limit, text));
+}
+
+}  // namespace tal

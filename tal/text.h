@@ -1,0 +1,26 @@
+// Texts on their way into a field of the interface.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace tal {
+
+// Bytes of the UTF-8 character that the text begins with; 1 where its bytes are not UTF-8. The text
+// must not be empty.
+std::size_t characterLength(std::string_view text) noexcept;
+
+// What every text undergoes, so that no name can break a line of a report or drive a terminal:
+// control characters (below 0x20, 0x7f, and U+0080 to U+009F) become "?", bytes that are not UTF-8
+// stay as they are, and what exceeds the field is cut off in front of a whole character.
+
+// Writes `text` into `field` and closes it with a NUL; returns the length without the NUL. The
+// field must not be empty.
+std::size_t putText(std::span<char> field, std::string_view text) noexcept;
+
+// The same in place, for a field of `limit` bytes and its NUL.
+void fitText(std::string& text, std::size_t limit) noexcept;
+
+}  // namespace tal
