@@ -1,0 +1,60 @@
+#include "tests/mariadb/Loopback.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <system_error>
+#include <utility>
+
+namespace mariadb_testing {
+namespace {
+
+using testing_support::FileDescriptor;
+
+void require(bool done) {
+  if (!done) throw std::system_error(errno, std::generic_category());
+}
+
+FileDescriptor boundSocket() {
+  FileDescriptor result(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  require(::bind(result.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) ==
+          0);
+  return result;
+}
+
+std::uint16_t portOf(const FileDescriptor& socket) {
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  require(::getsockname(socket.number(), reinterpret_cast<sockaddr*>(&address), &size) == 0);
+  return ntohs(address.sin_port);
+}
+
+void sayOnce(int listener, const std::string& sentence) {
+  const FileDescriptor visitor(::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
+  if (visitor.number() >= 0)
+    ::send(visitor.number(), sentence.data(), sentence.size(), MSG_NOSIGNAL);
+}
+
+}  // namespace
+
+std::uint16_t freePort() { return portOf(boundSocket()); }
+
+SilentListener::SilentListener() : listener_(boundSocket()), port_(portOf(listener_)) {
+  require(::listen(listener_.number(), 8) == 0);
+}
+
+ForeignListener::ForeignListener(std::string sentence)
+    : thread_(sayOnce, listener_.number(), std::move(sentence)) {}
+
+ForeignListener::~ForeignListener() {
+  // Wakes the thread if nobody has visited.
+  ::shutdown(listener_.number(), SHUT_RDWR);
+  thread_.join();
+}
+
+}  // namespace mariadb_testing

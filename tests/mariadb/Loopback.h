@@ -1,0 +1,41 @@
+// Ports of this machine that are no server's, or a wrong one's.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <thread>
+
+#include "tests/support/file_descriptor.h"
+
+namespace mariadb_testing {
+
+// A port of 127.0.0.1 on which nobody listens.
+std::uint16_t freePort();
+
+// Listens on a port of 127.0.0.1. Connections are made, and nothing is ever said on them.
+class SilentListener {
+ public:
+  SilentListener();
+
+  [[nodiscard]] std::uint16_t port() const { return port_; }
+
+ protected:
+  testing_support::FileDescriptor listener_;
+
+ private:
+  std::uint16_t port_ = 0;
+};
+
+// Says one sentence to its first visitor and hangs up.
+class ForeignListener : public SilentListener {
+ public:
+  explicit ForeignListener(std::string sentence);
+  ForeignListener(const ForeignListener&) = delete;
+  ForeignListener& operator=(const ForeignListener&) = delete;
+  ~ForeignListener();
+
+ private:
+  std::thread thread_;
+};
+
+}  // namespace mariadb_testing

@@ -1,0 +1,287 @@
+// Rows of the other statements, sane and hostile, decoded without a server.
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "tal/mariadb/clients.h"
+#include "tal/mariadb/communication.h"
+#include "tal/mariadb/open_files.h"
+#include "tal/mariadb/sql_connections.h"
+#include "tal/mariadb/usage.h"
+#include "tests/sql/Table.h"
+
+namespace tal::mariadb {
+namespace {
+
+using testing_support::Table;
+
+constexpr std::uint32_t kLargest = std::numeric_limits<std::uint32_t>::max();
+const std::vector<DataFile> kNoFiles;
+const ServerFacts kFacts{
+    .innodbReadOnly = false, .networking = true, .ariaBlockSize = 8192, .myisamBlockSize = 1024};
+
+std::string text(const Gauge& gauge) {
+  return std::to_string(gauge.current) + "/" + std::to_string(gauge.peak) + "/" +
+         std::to_string(gauge.maximum);
+}
+
+TEST(UsageReaderTest, EachFigureHasItsPlace) {
+  UsageReader reader;
+  Table rows({
+      {"UPTIME",                  "77"     },
+      {"THREADS_CONNECTED",       "5"      },
+      {"THREADS_CACHED",          "3"      },
+      {"MAX_USED_CONNECTIONS",    "9"      },
+      {"MAX_CONNECTIONS",         "151"    },
+      {"OPEN_FILES",              "40"     },
+      {"INNODB_NUM_OPEN_FILES",   "60"     },
+      {"OPEN_FILES_LIMIT",        "1024"   },
+      {"OPEN_TABLES",             "12"     },
+      {"TABLE_OPEN_CACHE",        "2000"   },
+      {"THREADPOOL_THREADS",      "8"      },
+      {"THREAD_POOL_MAX_THREADS", "65536"  },
+      {"x_thread_pool",           "0"      },
+      {"x_transactions",          "2"      },
+      {"x_locks",                 "31"     },
+      {"x_data_bytes",            "1048577"}
+  });
+
+  const Usage usage = reader.read(rows);
+
+  EXPECT_EQ(text(usage.users), "5/9/151");
+  EXPECT_EQ(text(usage.files), "100/100/1024");
+  EXPECT_EQ(text(usage.handles), "12/12/2000");
+  EXPECT_EQ(text(usage.transactions), "2/2/0");
+  EXPECT_EQ(text(usage.clients), "5/9/151");
+  EXPECT_EQ(text(usage.workerThreads), "8/8/0");
+  EXPECT_EQ(text(usage.locks), "31/31/0");
+  EXPECT_EQ(text(usage.dataMb), "2/2/0");
+  EXPECT_EQ(text(usage.sessions), "5/9/151");
+  EXPECT_EQ(usage.upTimeSeconds, 77U);
+}
+
+TEST(UsageReaderTest, ThreadPoolAndPeaks) {
+  UsageReader reader;
+  Table first({
+      {"x_thread_pool",           "1"  },
+      {"THREADPOOL_THREADS",      "8"  },
+      {"OPEN_TABLES",             "90" },
+      {"THREAD_POOL_MAX_THREADS", "500"}
+  });
+  Table second({
+      {"x_thread_pool",           "1"  },
+      {"THREADPOOL_THREADS",      "6"  },
+      {"OPEN_TABLES",             "7"  },
+      {"THREAD_POOL_MAX_THREADS", "500"}
+  });
+  reader.read(first);
+
+  const Usage usage = reader.read(second);
+
+  EXPECT_EQ(text(usage.workerThreads), "6/8/500");
+  EXPECT_EQ(text(usage.handles), "7/90/0");
+}
+
+TEST(UsageReaderTest, FlushedPeakIsNotBelowThePresent) {
+  UsageReader reader;
+  Table rows({
+      {"THREADS_CONNECTED",    "5"},
+      {"MAX_USED_CONNECTIONS", "4"}
+  });
+
+  EXPECT_EQ(text(reader.read(rows).sessions), "5/5/0");
+}
+
+TEST(CommunicationReaderTest, EachFigureHasItsPlace) {
+  CommunicationReader reader;
+  Table rows({
+      {"QUESTIONS",            "9999999999"},
+      {"THREADS_CONNECTED",    "5"         },
+      {"MAX_USED_CONNECTIONS", "9"         },
+      {"ABORTED_CLIENTS",      "4"         },
+      {"MAX_CONNECTIONS",      "151"       },
+      {"x_tcp_sessions",       "3"         },
+      {"x_tcp_requests",       "1234"      }
+  });
+
+  const Communication result = reader.read(rows, true);
+
+  EXPECT_EQ(result.requests, kLargest);
+  EXPECT_EQ(text(result.remoteSessions), "3/3/151");
+  EXPECT_EQ(text(result.threads), "5/9/151");
+  EXPECT_EQ(result.timeouts, 4U);
+  EXPECT_EQ(result.recoveries, 0U);
+  ASSERT_EQ(result.protocols.size(), 1U);
+  EXPECT_EQ(result.protocols[0].code, kTcpIpProtocol);
+  EXPECT_EQ(result.protocols[0].requests, 1234U);
+  EXPECT_EQ(result.protocols[0].currentSessions, 3U);
+  EXPECT_EQ(result.protocols[0].peakSessions, 3U);
+}
+
+TEST(CommunicationReaderTest, NoProtocolWithoutNetworking) {
+  CommunicationReader reader;
+  Table rows({});
+
+  EXPECT_TRUE(reader.read(rows, false).protocols.empty());
+}
+
+TEST(DataFilesTest, BothPartsMeetByPath) {
+  Table rows({
+      {"F", "/d/db/t.ibd",         "wait/io/file/innodb/innodb_data_file", {},  {},      {},      "db", "t"      },
+      {"F", "/d/db/a.MAI",         "wait/io/file/aria/MAI",                {},  {},      {},      "db", "a"      },
+      {"F", "/d/db/m.MYI",         "wait/io/file/myisam/kfile",            {},  {},      {},      "db", "m"      },
+      {"F", "/d/ddl_recovery.log", "wait/io/file/sql/global_ddl_log",      {},  {},      {},      "d",  "ddl"    },
+      {"F", "/d/ibdata1",          "wait/io/file/innodb/innodb_data_file", {},  {},      {},      "d",  "ibdata1"},
+      {"I", "/d/db/t.ibd",         {},                                     "5", "16384", "65537", "db", "t"      },
+      {"I", "/x/u.ibd",            {},                                     "6", "4096",  "1024",  "db", "u"      }
+  });
+
+  const std::vector<DataFile> files = decodeFiles(rows, kFacts);
+
+  std::string result;
+  for (const DataFile& file : files) {
+    result += file.path + " " + (file.table ? file.table->schema + "." + file.table->table : "-") +
+              " " + std::to_string(file.isInnodb) + " " + std::to_string(file.space.value_or(-1)) +
+              " " + std::to_string(file.pageSize) + " " + std::to_string(file.bytes) + "\n";
+  }
+  EXPECT_EQ(result,
+            "/d/db/t.ibd db.t 1 5 16384 65537\n"
+            "/d/db/a.MAI db.a 0 -1 8192 0\n"
+            "/d/db/m.MYI db.m 0 -1 1024 0\n"
+            "/d/ddl_recovery.log - 0 -1 0 0\n"
+            "/d/ibdata1 - 1 -1 0 0\n"
+            "/x/u.ibd db.u 1 6 4096 1024\n");
+}
+
+TEST(OpenFilesTest, FlagsWithoutHandles) {
+  Table rows({
+      {"I", "/d/db/t.ibd", {}, "5", "16384", "65537", "db", "t"},
+      {"I", "/d/db/u.ibd", {}, "6", "16384", "65536", "db", "u"}
+  });
+  ServerFacts facts = kFacts;
+  facts.innodbReadOnly = true;
+  LockPicture picture;
+  picture.contendedSpaces = {6};
+
+  const std::vector<OpenFile> files = openFilesOf(decodeFiles(rows, facts), {}, picture, facts);
+
+  ASSERT_EQ(files.size(), 2U);
+  EXPECT_EQ(files[0].sizeKb, 65U);
+  EXPECT_EQ(files[0].readOnly, flag::kYes);
+  EXPECT_EQ(files[0].recordLocks, flag::kUnknown);
+  EXPECT_EQ(files[0].transactionLock, flag::kUnknown);
+  EXPECT_EQ(files[1].sizeKb, 64U);
+  EXPECT_EQ(files[1].recordLocks, flag::kYes);
+}
+
+TEST(ClientsTest, PartsMeetByThreadAndConnection) {
+  Table rows({
+      {"X", "7",     {},                      {},                 "12"        },
+      {"A", "7",     {},                      {},                 "4242"      },
+      {"W", "20",    {},                      {},                 "3"         },
+      {"W", "20",    {},                      {},                 "4"         },
+      {"W", "21",    {},                      {},                 "1000"      },
+      {"H", "20",    "Handler_delete",        {},                 "1"         },
+      {"H", "20",    "Handler_update",        {},                 "2"         },
+      {"H", "20",    "Handler_write",         {},                 "9999999999"},
+      {"H", "20",    "Handler_read_key",      {},                 "5"         },
+      {"H", "20",    "Handler_read_rnd_next", {},                 "6"         },
+      {"S", "20",    {},                      "192.0.2.7",        {}          },
+      {"T", "20",    {},                      {},                 "7"         },
+      {"P", "70000", "system user",           "",                 {}          },
+      {"P", "7",     "app",                   "far.example:5000", {}          }
+  });
+
+  const std::vector<Client> clients = clientsOf(decodeClients(rows), {}, TableFiles(kNoFiles));
+
+  ASSERT_EQ(clients.size(), 2U);
+  EXPECT_EQ(clients[0].id, "7");
+  EXPECT_EQ(clients[0].sessionName, "app@far.example #7");
+  EXPECT_EQ(clients[0].networkAddress, "192.0.2.7");
+  EXPECT_EQ(clients[0].site, site::kRemote);
+  EXPECT_EQ(clients[0].recordsDeleted, 1U);
+  EXPECT_EQ(clients[0].recordsUpdated, 2U);
+  EXPECT_EQ(clients[0].recordsInserted, kLargest);
+  EXPECT_EQ(clients[0].recordsRead, 11U);
+  EXPECT_EQ(clients[0].diskAccesses, 7U);
+  EXPECT_EQ(clients[0].locksUsed, 12U);
+  EXPECT_EQ(clients[0].transactionState, transaction_state::kConcurrent);
+  EXPECT_EQ(clients[0].processId, 4242U);
+  EXPECT_EQ(clients[0].connectionNumber, 7U);
+  EXPECT_EQ(clients[1].id, "70000");
+  EXPECT_EQ(clients[1].transactionState, transaction_state::kNone);
+  EXPECT_EQ(clients[1].diskAccesses, 0U);
+}
+
+TEST(ClientsTest, CountersDoNotOverflow) {
+  const char* const largest = "18446744073709551615";
+  Table rows({
+      {"P", "7",  "app", "h:1", {}     },
+      {"T", "20", {},    {},    "7"    },
+      {"W", "20", {},    {},    largest},
+      {"W", "20", {},    {},    largest}
+  });
+
+  EXPECT_EQ(clientsOf(decodeClients(rows), {}, TableFiles(kNoFiles))[0].diskAccesses, kLargest);
+}
+
+struct PeerRow {
+  const char* hostAndPort;
+  std::optional<std::string> ip;
+  std::string address;
+  std::int32_t site;
+};
+
+TEST(PeerTest, AddressesAndSites) {
+  const PeerRow rows[] = {
+      {"localhost",       "",                 "Socket",           site::kLocal },
+      {"localhost:40000", "127.0.0.1",        "127.0.0.1",        site::kLocal },
+      {"::1:38434",       "::1",              "::1",              site::kLocal },
+      {"h:1",             "::ffff:127.0.0.1", "::ffff:127.0.0.1", site::kLocal },
+      {"h:1",             "192.0.2.1",        "192.0.2.1",        site::kRemote},
+      {"localhost",       {},                 "localhost",        site::kLocal },
+      {"localhost:40000", {},                 "localhost",        site::kLocal },
+      {"127.1.2.3:40000", {},                 "127.1.2.3",        site::kLocal },
+      {"::1:38434",       {},                 "::1",              site::kLocal },
+      {"far.example:1",   {},                 "far.example",      site::kRemote},
+      {"",                {},                 "",                 site::kLocal },
+      {":",               {},                 ":",                site::kLocal },
+  };
+  for (const PeerRow& row : rows) {
+    const Peer peer{.hostAndPort = row.hostAndPort, .ip = row.ip};
+    EXPECT_EQ(peer.address(), row.address) << row.hostAndPort;
+    EXPECT_EQ(peer.site(), row.site) << row.hostAndPort;
+  }
+}
+
+std::string text(const SqlConnection& row) {
+  return row.clientHost + "|" + row.dataSource + "|" + row.application + "|" + row.networkAddress +
+         "|" + row.userName + "|" + std::to_string(row.status) + "|" +
+         std::to_string(row.periodMs) + "|" + std::to_string(row.totalTime);
+}
+
+TEST(SqlConnectionsTest, PartsMeetByThreadAndConnection) {
+  Table rows({
+      {"P", "9",  "b", "far:2",     {},     "Killed",       "5000000000"},
+      {"P", "8",  "a", "near:1",    "db",   "Sleep",        "1500"      },
+      {"P", "10", "c", "localhost", {},     "Query",        "-1"        },
+      {"T", "30", {},  {},          {},     {},             "8"         },
+      {"S", "30", {},  "127.0.0.1", {},     {},             {}          },
+      {"D", "30", {},  {},          {},     {},             "2000000"   },
+      {"D", "30", {},  {},          {},     {},             "600000"    },
+      {"D", "31", {},  {},          {},     {},             "7000000"   },
+      {"A", "8",  {},  {},          "libx", "_client_name", {}          },
+      {"A", "8",  {},  {},          "prog", "program_name", {}          },
+      {"A", "9",  {},  {},          "libx", "_client_name", {}          }
+  });
+
+  const std::vector<SqlConnection> connections = decodeSqlConnections(rows);
+
+  ASSERT_EQ(connections.size(), 3U);
+  EXPECT_EQ(text(connections[0]), "near|db|prog|127.0.0.1|a|0|1500|4");
+  EXPECT_EQ(text(connections[1]), "far||libx|far|b|2|4294967295|0");
+  EXPECT_EQ(text(connections[2]), "localhost|||localhost|c|1|0|0");
+}
+
+}  // namespace
+}  // namespace tal::mariadb

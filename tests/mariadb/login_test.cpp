@@ -1,0 +1,146 @@
+// Logging in: who is let in, and what an administrator is told otherwise.
+#include <stdlib.h>
+
+#include <optional>
+
+#include "tests/mariadb/Loopback.h"
+#include "tests/mariadb/ServerTest.h"
+#include "tests/support/temporary_folder.h"
+
+namespace mariadb_testing {
+namespace {
+
+using tal::Status;
+
+// A home folder of the test's own, so that the user's option file is the test's as well.
+class LoginTest : public PlainServerTest {
+ protected:
+  LoginTest() { ::setenv("HOME", home_.path().c_str(), 1); }
+  ~LoginTest() override {
+    if (before_) {
+      ::setenv("HOME", before_->c_str(), 1);
+    } else {
+      ::unsetenv("HOME");
+    }
+  }
+
+  void writeOptions(const std::string& text) {
+    testing_support::writeFile(home_ / ".my.cnf", text);
+  }
+
+  // Changes the account "zelk" for a while.
+  Status statusWith(const std::string& change, const std::string& undo) {
+    admin_.execute(change);
+    const Status status = statusOfLogin(locationOf(server_), "zelk");
+    admin_.execute(undo);
+    return status;
+  }
+
+ private:
+  static std::optional<std::string> present() {
+    const char* const home = ::getenv("HOME");
+    return home == nullptr ? std::nullopt : std::optional<std::string>(home);
+  }
+
+  testing_support::TemporaryFolder home_;
+  std::optional<std::string> before_ = present();
+};
+
+TEST_F(LoginTest, Accounts) {
+  EXPECT_EQ(statusOfLogin(locationOf(server_), "zelk"), Status::kSuccess);
+  EXPECT_EQ(statusOfLogin(server_.socketPath(), "root", ""), Status::kSuccess);
+  EXPECT_EQ(statusOfLogin(locationOf(server_), "zelk", "wrong"), Status::kLoginRefused);
+  EXPECT_EQ(statusOfLogin(locationOf(server_), "nobody"), Status::kLoginRefused);
+  EXPECT_EQ(statusOfLogin(locationOf(server_), "zelk", ""), Status::kPasswordMissing);
+  EXPECT_EQ(statusOfLogin(locationOf(server_), "noproc"), Status::kPrivilegeMissing);
+  EXPECT_EQ(statusOfLogin(locationOf(server_), "nops"), Status::kPrivilegeMissing);
+}
+
+TEST_F(LoginTest, StateOfTheAccount) {
+  engine_.reset();
+  EXPECT_EQ(statusWith("ALTER USER zelk@'127.0.0.1' ACCOUNT LOCK",
+                       "ALTER USER zelk@'127.0.0.1' ACCOUNT UNLOCK"),
+            Status::kAccountLocked);
+  EXPECT_EQ(statusWith("ALTER USER zelk@'127.0.0.1' PASSWORD EXPIRE",
+                       "ALTER USER zelk@'127.0.0.1' IDENTIFIED BY 'secret'"),
+            Status::kPasswordExpired);
+  EXPECT_EQ(statusWith("SET GLOBAL disconnect_on_expired_password = ON", "DO 0"), Status::kSuccess);
+  EXPECT_EQ(statusWith("ALTER USER zelk@'127.0.0.1' PASSWORD EXPIRE",
+                       "ALTER USER zelk@'127.0.0.1' IDENTIFIED BY 'secret'"),
+            Status::kPasswordExpired);
+  admin_.execute("SET GLOBAL disconnect_on_expired_password = OFF");
+}
+
+TEST_F(LoginTest, NoFreeConnection) {
+  admin_.execute("ALTER USER zelk@'127.0.0.1' WITH MAX_USER_CONNECTIONS 1");
+  const auto first = openEngine(server_);
+
+  EXPECT_EQ(statusOfLogin(locationOf(server_), "zelk"), Status::kNoConnectionSlot);
+  admin_.execute("ALTER USER zelk@'127.0.0.1' WITH MAX_USER_CONNECTIONS 0");
+}
+
+TEST_F(LoginTest, NobodyThere) {
+  EXPECT_EQ(statusOfLogin("127.0.0.1:" + std::to_string(freePort()), "zelk"), Status::kCannotReach);
+  EXPECT_EQ(statusOfLogin("/nonexistent/mysqld.sock", "zelk"), Status::kCannotReach);
+  EXPECT_EQ(statusOfLogin("no-such-host.invalid", "zelk"), Status::kCannotReach);
+}
+
+TEST_F(LoginTest, SomethingElseThere) {
+  const ForeignListener foreign("SSH-2.0-OpenSSH_9.2p1 Debian-2\r\n");
+
+  EXPECT_EQ(statusOfLogin("127.0.0.1:" + std::to_string(foreign.port()), "zelk"),
+            Status::kCannotReach);
+}
+
+TEST_F(LoginTest, PasswordFromTheOptionFile) {
+  writeOptions("[client]\npassword=wrong\nuser=nobody\n[zelk]\npassword=\"secret\"\n");
+
+  EXPECT_EQ(statusOfLogin(locationOf(server_), "zelk", ""), Status::kSuccess);
+  EXPECT_EQ(statusOfLogin(locationOf(server_), "zelk", "other"), Status::kLoginRefused);
+}
+
+TEST_F(LoginTest, OtherGroupsOfTheOptionFileAreNotRead) {
+  writeOptions("[client]\npassword=secret\n[client-mariadb]\npassword=secret\n");
+
+  EXPECT_EQ(statusOfLogin(locationOf(server_), "zelk", ""), Status::kPasswordMissing);
+}
+
+TEST_F(LoginTest, EncryptionByTheOptionFile) {
+  admin_.execute("ALTER USER zelk@'127.0.0.1' REQUIRE SSL");
+  const std::string port = ":" + std::to_string(server_.port());
+  const std::string authority = "ssl-ca=" + server_.certificate() + "\n";
+
+  EXPECT_EQ(statusOfLogin("127.0.0.1" + port, "zelk"), Status::kLoginRefused);
+  writeOptions("[zelk]\nssl\n");
+  EXPECT_EQ(statusOfLogin("127.0.0.1" + port, "zelk"), Status::kSuccess);
+  writeOptions("[zelk]\n" + authority + "ssl-verify-server-cert\n");
+  EXPECT_EQ(statusOfLogin("localhost" + port, "zelk"), Status::kSuccess);
+  EXPECT_EQ(statusOfLogin("127.0.0.1" + port, "zelk"), Status::kTlsFailed);
+  writeOptions("[zelk]\nssl-ca=/nonexistent/ca.pem\n");
+  EXPECT_EQ(statusOfLogin("127.0.0.1" + port, "zelk"), Status::kTlsFailed);
+  admin_.execute("ALTER USER zelk@'127.0.0.1' REQUIRE NONE");
+}
+
+TEST_F(LoginTest, EncryptionIsNotGivenUp) {
+  const std::string location = locationOf(instrumentedServer());
+
+  for (const char* const options : {"ssl", "ssl-enforce=1", "ssl-verify-server-cert",
+                                    "ssl_cipher=AES", "ssl-colour=blue", "tls-version=TLSv1.3"}) {
+    writeOptions(std::string("[zelk]\n") + options + "\n");
+    EXPECT_EQ(statusOfLogin(location, "zelk"), Status::kTlsFailed) << options;
+  }
+  writeOptions("[zelk]\nssl=0\n");
+  EXPECT_EQ(statusOfLogin(location, "zelk"), Status::kSuccess);
+}
+
+TEST_F(LoginTest, EncryptedSessionSurvivesItsLoss) {
+  writeOptions("[zelk]\nssl\n");
+  const auto engine = openEngine(server_);
+  const std::string id = engine->clients().back().id;
+  admin_.execute("KILL " + id);
+
+  EXPECT_NE(engine->clients().back().id, id);
+}
+
+}  // namespace
+}  // namespace mariadb_testing

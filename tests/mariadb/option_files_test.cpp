@@ -1,0 +1,151 @@
+#include "tal/mariadb/option_files.h"
+
+#include <gtest/gtest.h>
+
+#include "tal/failure.h"
+#include "tal/mariadb/encryption.h"
+#include "tests/support/temporary_folder.h"
+
+namespace tal::mariadb {
+namespace {
+
+using testing_support::writeFile;
+namespace fs = std::filesystem;
+
+class OptionFilesTest : public testing::Test {
+ protected:
+  // The options of the group "zelk" in one file with this text.
+  Options optionsOf(const std::string& text) {
+    writeFile(folder_ / "my.cnf", text);
+    return readOptions("zelk", {folder_ / "my.cnf"});
+  }
+
+  testing_support::TemporaryFolder folder_;
+};
+
+struct Line {
+  const char* line;
+  const char* value;  // of "password"
+};
+
+constexpr Line kLines[] = {
+    {"password=secret",               "secret"            },
+    {"  password = secret  ",         "secret"            },
+    {"password=secret\r",             "secret"            },
+    {"password",                      ""                  },
+    {"password=",                     ""                  },
+    {"password=a=b",                  "a=b"               },
+    {"password=a#b",                  "a"                 },
+    {"password=\"a#b\"",              "a#b"               },
+    {"password='a\"b'",               "a\"b"              },
+    {"password=\"a\\\"#b\" # note",   "a\"#b"             },
+    {"password=a\\sb\\\\c\\td",       "a b\\c\td"         },
+    {"password=a\\qb",                "a\\qb"             },
+    {"password=ends\\",               "ends\\"            },
+    {"password=\"",                   "\""                },
+    {"password=gr\xc3\xbc\xc3\x9f",   "gr\xc3\xbc\xc3\x9f"},
+    {"password=first\npassword=last", "last"              },
+};
+
+TEST_F(OptionFilesTest, Values) {
+  for (const Line& row : kLines) {
+    const Options options = optionsOf(std::string("[zelk]\n") + row.line + "\n");
+    ASSERT_EQ(options.size(), 1U) << row.line;
+    EXPECT_EQ(options.begin()->first, "password") << row.line;
+    EXPECT_EQ(options.begin()->second, row.value) << row.line;
+  }
+}
+
+TEST_F(OptionFilesTest, OnlyTheGroupIsRead) {
+  const Options options = optionsOf(
+      "password=before\n[client]\npassword=clients\n; note\n# note\n[ zelk ]\nssl_ca=ca.pem\n"
+      "[zelks]\nuser=other\n[zelk\nhost=other\n[zelk]\nssl\n");
+
+  EXPECT_EQ(options, (Options{
+                         {"ssl-ca", "ca.pem"},
+                         {"ssl",    ""      }
+  }));
+}
+
+TEST_F(OptionFilesTest, LaterFilesWin) {
+  writeFile(folder_ / "one.cnf", "[zelk]\npassword=one\nssl=1\n");
+  writeFile(folder_ / "two.cnf", "[zelk]\npassword=two\n");
+
+  const Options options = readOptions(
+      "zelk", {folder_ / "missing.cnf", folder_ / "one.cnf", folder_ / "two.cnf", folder_.path()});
+
+  EXPECT_EQ(options, (Options{
+                         {"password", "two"},
+                         {"ssl",      "1"  }
+  }));
+}
+
+TEST_F(OptionFilesTest, IncludesAreReadWhereTheyStand) {
+  fs::create_directory(folder_ / "conf.d");
+  writeFile(folder_ / "conf.d/b.cnf", "[zelk]\npassword=b\nssl-cert=b\n");
+  writeFile(folder_ / "conf.d/a.cnf", "[zelk]\npassword=a\n");
+  writeFile(folder_ / "conf.d/not.txt", "[zelk]\npassword=not\n");
+  writeFile(folder_ / "self.cnf",
+            "!include " + (folder_ / "self.cnf").string() + "\n[zelk]\nssl\n");
+
+  const Options options =
+      optionsOf("[zelk]\nssl-cert=early\n!includedir " + (folder_ / "conf.d").string() +
+                "\n!include " + (folder_ / "self.cnf").string() + "\nssl-key=late\n");
+
+  EXPECT_EQ(options, (Options{
+                         {"password", "b"   },
+                         {"ssl",      ""    },
+                         {"ssl-cert", "b"   },
+                         {"ssl-key",  "late"}
+  }));
+}
+
+TEST_F(OptionFilesTest, FilesThatEveryoneMayWriteAreSkipped) {
+  writeFile(folder_ / "my.cnf", "[zelk]\npassword=planted\n");
+  fs::permissions(folder_ / "my.cnf", fs::perms(0666));
+
+  EXPECT_EQ(readOptions("zelk", {folder_ / "my.cnf"}), Options{});
+}
+
+struct EncryptionRow {
+  Options options;
+  bool wanted;
+  bool verified;
+  std::size_t settings;
+};
+
+TEST(EncryptionTest, IsWantedWhenAskedFor) {
+  const EncryptionRow rows[] = {
+      {{{"password", "p"}, {"user", "u"}},                          false, false, 0},
+      {{{"ssl", ""}},                                               true,  false, 0},
+      {{{"ssl", "TRUE"}},                                           true,  false, 0},
+      {{{"ssl", "0"}},                                              false, false, 0},
+      {{{"ssl", "off"}},                                            false, false, 0},
+      {{{"ssl-ca", "f"}},                                           true,  false, 1},
+      {{{"ssl-ca", "f"}, {"ssl", "FALSE"}},                         false, false, 1},
+      {{{"ssl", "0"}, {"ssl-enforce", "1"}},                        true,  false, 0},
+      {{{"ssl-verify-server-cert", "1"}},                           true,  true,  0},
+      {{{"ssl-verify-server-cert", "0"}},                           false, false, 0},
+      {{{"ssl-cert", "f"}, {"ssl-key", "f"}, {"tls-version", "v"}}, true,  false, 3},
+  };
+  for (const EncryptionRow& row : rows) {
+    const Encryption encryption = encryptionOf(row.options);
+    const std::size_t index = static_cast<std::size_t>(&row - rows);
+    EXPECT_EQ(encryption.wanted, row.wanted) << index;
+    EXPECT_EQ(encryption.verified, row.verified) << index;
+    EXPECT_EQ(encryption.settings.size(), row.settings) << index;
+  }
+}
+
+TEST(EncryptionTest, UnknownSettingsAreRefused) {
+  for (const char* const name : {"ssl-mode", "ssl-", "tlsx", "ssl-fp"}) {
+    EXPECT_THROW(encryptionOf({
+                     {name, "1"}
+    }),
+                 Failure)
+        << name;
+  }
+}
+
+}  // namespace
+}  // namespace tal::mariadb

@@ -1,0 +1,52 @@
+// A listener on loopback that plays a server: what a real one does too seldom to wait for.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/file_descriptor.h"
+
+namespace testing_support {
+
+// Messages of the server's side of the protocol, complete with type and length.
+namespace protocol {
+std::string message(char type, const std::string& body);
+std::string error(const std::string& sqlState);
+std::string ready();
+// What a server says when a login succeeds.
+std::string welcome(const std::string& version);
+// Answers to the preparing of a statement and to its execution with rows of texts.
+std::string prepared();
+std::string rows(const std::vector<std::vector<std::string>>& rows);
+}  // namespace protocol
+
+// Serves one client at a time: refuses TLS, answers the start packet with the first text of the
+// script and each following batch of messages with the next. When the script ends it stays silent,
+// or closes the connection. Ends with the object.
+class FakeServer {
+ public:
+  enum class AtEnd { kSilent, kClose };
+
+  FakeServer(std::vector<std::string> script, AtEnd atEnd);
+  FakeServer(const FakeServer&) = delete;
+  FakeServer& operator=(const FakeServer&) = delete;
+  ~FakeServer();
+
+  [[nodiscard]] std::uint16_t port() const { return port_; }
+
+ private:
+  void serve();
+  void play(int client);
+
+  std::vector<std::string> script_;
+  AtEnd atEnd_;
+  std::uint16_t port_ = 0;  // before listener_, which sets it
+  FileDescriptor listener_;
+  FileDescriptor stopReading_;
+  FileDescriptor stopWriting_;
+  std::thread thread_;
+};
+
+}  // namespace testing_support

@@ -1,0 +1,213 @@
+// Logins that fail, each with the reason.
+#include <gtest/gtest.h>
+
+#include <stdlib.h>
+#include <sys/stat.h>
+
+#include <string>
+
+#include "tal/failure.h"
+#include "tal/postgresql/login_attempt.h"
+#include "tal/postgresql/postgresql.h"
+#include "tests/postgresql/FakeServer.h"
+#include "tests/postgresql/ServerTest.h"
+#include "tests/support/temporary_folder.h"
+
+namespace testing_support {
+namespace {
+
+using tal::Status;
+
+tal::Credentials user(const std::string& name) { return {name, PrivateServer::kPassword}; }
+
+class LoginTest : public ServerTest {
+ protected:
+  [[nodiscard]] std::string address(const std::string& database = "app") const {
+    return "127.0.0.1:" + std::to_string(server_.port()) + '/' + database;
+  }
+
+  [[nodiscard]] std::string socket() const {
+    return server_.folder().string() + ':' + std::to_string(server_.port());
+  }
+
+  static Status login(const std::string& location, const tal::Credentials& credentials) {
+    return statusOf([&] { tal::postgresql::open(location, credentials); });
+  }
+};
+
+TEST_F(LoginTest, SucceedsByEachForm) {
+  const std::string port = std::to_string(server_.port());
+
+  EXPECT_EQ(login("127.0.0.1:" + port, user("zelk")), Status::kSuccess);
+  EXPECT_EQ(login("127.0.0.1:" + port + "/app", user("zelk")), Status::kSuccess);
+  EXPECT_EQ(login("localhost:" + port + "/app", user("zelk")), Status::kSuccess);
+  EXPECT_EQ(login(socket(), user("zelk")), Status::kSuccess);
+  EXPECT_EQ(login(socket() + "/app", user("zelk")), Status::kSuccess);
+}
+
+TEST_F(LoginTest, FailsWithTheServersReason) {
+  admin_.run("DROP DATABASE IF EXISTS closed");
+  admin_.run("CREATE DATABASE closed");
+  admin_.run("REVOKE CONNECT ON DATABASE closed FROM PUBLIC");
+
+  EXPECT_EQ(login(address(), {"zelk", "wrong"}), Status::kLoginRefused);
+  EXPECT_EQ(login(address(), {"stranger", "secret"}), Status::kLoginRefused);
+  EXPECT_EQ(login(address(), user("sleeper")), Status::kLoginRefused);
+  EXPECT_EQ(login(address("nowhere"), user("zelk")), Status::kUnknownDatabase);
+  EXPECT_EQ(login(address("closed"), user("zelk")), Status::kPrivilegeMissing);
+  EXPECT_EQ(login(address(), user("guest")), Status::kPrivilegeMissing);
+  EXPECT_EQ(login(address(), user("limited")), Status::kNoConnectionSlot);
+}
+
+TEST_F(LoginTest, ASuperuserHasThePrivilege) {
+  EXPECT_EQ(login(address(), user("postgres")), Status::kSuccess);
+}
+
+TEST_F(LoginTest, ExpiredPasswordIsRefused) {
+  admin_.run("ALTER ROLE zelk VALID UNTIL '2001-01-01'");
+
+  const Status status = login(address(), user("zelk"));
+
+  admin_.run("ALTER ROLE zelk VALID UNTIL 'infinity'");
+  EXPECT_EQ(status, Status::kLoginRefused);
+}
+
+TEST_F(LoginTest, OddPasswordsArriveWhole) {
+  const std::string password = R"(it's \ "odd" = 1 )";
+  admin_.run("ALTER ROLE zelk PASSWORD 'it''s \\ \"odd\" = 1 '");
+
+  const Status status = login(address(), {"zelk", password});
+
+  admin_.run("ALTER ROLE zelk PASSWORD 'secret'");
+  EXPECT_EQ(status, Status::kSuccess);
+}
+
+TEST_F(LoginTest, FailsWhereNobodyListens) {
+  std::uint16_t closedPort = 0;
+  {
+    const FakeServer gone({}, FakeServer::AtEnd::kClose);
+    closedPort = gone.port();
+  }
+
+  EXPECT_EQ(login("127.0.0.1:" + std::to_string(closedPort), user("zelk")), Status::kCannotReach);
+  EXPECT_EQ(login("/nowhere", user("zelk")), Status::kCannotReach);
+  // Too long for a label: known to be no host without asking anybody.
+  EXPECT_EQ(login(std::string(64, 'x') + ".invalid", user("zelk")), Status::kCannotReach);
+  EXPECT_EQ(login("", user("zelk")), Status::kBadServerName);
+}
+
+// The status of a login that insists on encryption, as one from elsewhere does.
+Status encryptedLogin(std::uint16_t port) {
+  const tal::postgresql::Target target{.host = "127.0.0.1",
+                                       .address = "127.0.0.1",
+                                       .port = port,
+                                       .database = "app",
+                                       .user = "zelk",
+                                       .password = PrivateServer::kPassword,
+                                       .requireTls = true};
+  return statusOf(
+      [&] { tal::postgresql::connectTo(target, tal::sql::Deadline(tal::sql::kConnectLimit)); });
+}
+
+TEST_F(LoginTest, EncryptionCanBeRequired) {
+  const FakeServer closing({}, FakeServer::AtEnd::kClose);
+
+  EXPECT_EQ(encryptedLogin(server_.port()), Status::kTlsFailed);
+  EXPECT_EQ(encryptedLogin(closing.port()), Status::kConnectionLost);
+}
+
+// Sets an environment variable for a while.
+class Variable {
+ public:
+  Variable(const char* name, const std::string& value) : name_(name) {
+    if (const char* const before = ::getenv(name)) before_ = before;
+    ::setenv(name, value.c_str(), 1);
+  }
+  Variable(const Variable&) = delete;
+  Variable& operator=(const Variable&) = delete;
+  ~Variable() {
+    if (before_.empty()) {
+      ::unsetenv(name_);
+    } else {
+      ::setenv(name_, before_.c_str(), 1);
+    }
+  }
+
+ private:
+  const char* name_;
+  std::string before_;
+};
+
+TEST_F(LoginTest, EnvironmentIsKeptOut) {
+  const Variable host("PGHOST", "nowhere.invalid");
+  const Variable address("PGHOSTADDR", "127.0.0.2");
+  const Variable port("PGPORT", "1");
+  const Variable database("PGDATABASE", "nowhere");
+  const Variable name("PGUSER", "stranger");
+  const Variable options("PGOPTIONS", "-c default_transaction_read_only=off");
+  const Variable application("PGAPPNAME", "somebody");
+  const Variable tls("PGSSLMODE", "verify-full");
+  const Variable rootCertificate("PGSSLROOTCERT", "/nowhere");
+  const Variable peer("PGREQUIREPEER", "nobody");
+  const Variable attributes("PGTARGETSESSIONATTRS", "standby");
+  const Variable binding("PGCHANNELBINDING", "require");
+  const Variable encoding("PGCLIENTENCODING", "nonsense");
+
+  const auto engine = openEngine(server_);
+
+  EXPECT_EQ(login(socket(), user("zelk")), Status::kSuccess);
+  EXPECT_EQ(admin_.value("SELECT count(*) FROM pg_stat_activity WHERE application_name = 'zelk'"
+                         " AND usename = 'zelk' AND datname = 'app'"),
+            "1");
+}
+
+TEST_F(LoginTest, EmptyPasswordIsNotTakenFromTheEnvironment) {
+  const TemporaryFolder home;
+  const Variable folder("HOME", home.path().string());
+  const Variable password("PGPASSWORD", PrivateServer::kPassword);
+
+  EXPECT_EQ(login(address(), {"zelk", ""}), Status::kPasswordMissing);
+}
+
+TEST_F(LoginTest, EmptyPasswordComesFromThePasswordFile) {
+  const TemporaryFolder home;
+  const std::string port = std::to_string(server_.port());
+  writeFile(home / ".pgpass", "127.0.0.1:" + port + ":app:zelk:secret\n" + "localhost:" + port +
+                                  ":app:zelk:secret\n" + server_.folder().string() + ":" + port +
+                                  ":app:zelk:secret\n");
+  ::chmod((home / ".pgpass").c_str(), 0600);
+  const Variable folder("HOME", home.path().string());
+
+  EXPECT_EQ(login(address(), {"zelk", ""}), Status::kSuccess);
+  EXPECT_EQ(login("localhost:" + port + "/app", {"zelk", ""}), Status::kSuccess);
+  EXPECT_EQ(login(socket() + "/app", {"zelk", ""}), Status::kSuccess);
+  EXPECT_EQ(login(address(), {"zelk", "wrong"}), Status::kLoginRefused);
+  EXPECT_EQ(login(address("postgres"), {"zelk", ""}), Status::kPasswordMissing);
+}
+
+// What a real server answers only at times that a test cannot choose.
+TEST_F(LoginTest, FailsWithAFakeServersReason) {
+  struct Row {
+    std::string answer;
+    FakeServer::AtEnd atEnd;
+    Status status;
+  };
+  const Row rows[] = {
+      {protocol::error("57P03"),       FakeServer::AtEnd::kClose,  Status::kServerNotReady     },
+      {protocol::error("53300"),       FakeServer::AtEnd::kClose,  Status::kNoConnectionSlot   },
+      {protocol::error("XX000"),       FakeServer::AtEnd::kClose,  Status::kServerError        },
+      {protocol::welcome("13.22"),     FakeServer::AtEnd::kSilent, Status::kVersionNotSupported},
+      {protocol::welcome("nonsense"),  FakeServer::AtEnd::kSilent, Status::kVersionNotSupported},
+      {"",                             FakeServer::AtEnd::kClose,  Status::kConnectionLost     },
+      {"HTTP/1.1 400 Bad Request\r\n", FakeServer::AtEnd::kClose,  Status::kConnectionLost     },
+  };
+
+  for (const Row& row : rows) {
+    const FakeServer fake({row.answer}, row.atEnd);
+    EXPECT_EQ(login("127.0.0.1:" + std::to_string(fake.port()), user("zelk")), row.status)
+        << row.answer;
+  }
+}
+
+}  // namespace
+}  // namespace testing_support

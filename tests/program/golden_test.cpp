@@ -1,0 +1,142 @@
+// Runs the program on each folder of golden/ and compares everything that it leaves. A folder has
+//
+//   args              the command line, an argument on each line
+//   zelk.cfg          the configuration, if any; like all other files it is copied to where the
+//                     program runs
+//   scenario.toml     what the embedded engine simulates (SERV=sim:scenario.toml), or
+//   engine            what the settable engine answers (any SERV); it stands for the product's
+//                     engine library where the answers are such as that one never gives
+//   stdin             what is typed; without it standard input is at its end
+//   locale            the locale for messages; without it there is none
+//   stdout.expected   stderr.expected   exit.expected
+//   log.expected      the file monitor.log; without it there must be none
+//
+// Times are masked. Each case runs a second time where a decimal comma is usual: nothing may
+// change.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/program/program_under_test.h"
+#include "tests/support/masking.h"
+#include "tests/support/process.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/text_comparison.h"
+
+namespace program_tests {
+namespace {
+
+using testing_support::Command;
+using testing_support::Ending;
+using testing_support::Input;
+using testing_support::maskTimes;
+using testing_support::readFile;
+using testing_support::Result;
+using testing_support::run;
+using testing_support::sameAsFile;
+using testing_support::TemporaryFolder;
+
+std::vector<std::string> caseNames() {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(GOLDEN_FOLDER)) {
+    names.push_back(entry.path().filename());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::string testName(const ::testing::TestParamInfo<std::string>& info) {
+  std::string name = info.param;
+  std::replace(name.begin(), name.end(), '-', '_');
+  return name;
+}
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(stream, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+class Golden : public ::testing::TestWithParam<std::string> {
+ protected:
+  Golden() {
+    const auto options = std::filesystem::copy_options::recursive;
+    std::filesystem::copy(source_, work_, options);
+  }
+
+  void check(Environment environment) {
+    const Result result = run(command(std::move(environment)));
+
+    EXPECT_TRUE(sameAsFile(source_ / "stdout.expected", maskTimes(result.output)));
+    EXPECT_TRUE(sameAsFile(source_ / "stderr.expected", result.error));
+    EXPECT_TRUE(sameAsFile(source_ / "exit.expected", textOf(result.ending)));
+    const bool hasLog = std::filesystem::exists(work_ / "monitor.log");
+    EXPECT_TRUE(sameAsFile(source_ / "log.expected",
+                           hasLog ? maskTimes(readFile(work_ / "monitor.log")) : ""));
+    EXPECT_EQ(hasLog, std::filesystem::exists(source_ / "log.expected"));
+  }
+
+  [[nodiscard]] bool hasLocale() const { return std::filesystem::exists(source_ / "locale"); }
+
+  [[nodiscard]] Environment ownEnvironment() const {
+    return hasLocale() ? environmentWithMessages(linesOf(readFile(source_ / "locale")).front())
+                       : plainEnvironment();
+  }
+
+ private:
+  Command command(Environment environment) {
+    Command command{.program = builtProgram(), .arguments = linesOf(readFile(source_ / "args"))};
+    if (std::filesystem::exists(source_ / "engine")) {
+      const ProgramTree tree(folder_ / "tree");
+      tree.replaceEngine(settableEngine());
+      command.program = tree.program();
+      environment["SETTABLE_ENGINE"] = work_ / "engine";
+    }
+    command.environment = std::move(environment);
+    command.folder = work_;
+    if (std::filesystem::exists(source_ / "stdin")) {
+      command.input = Input::text(readFile(source_ / "stdin"));
+    }
+    return command;
+  }
+
+  static std::string textOf(const Ending& ending) {
+    return ending.status ? std::to_string(*ending.status) + "\n"
+                         : "signal " + std::to_string(ending.signal.value_or(0)) + "\n";
+  }
+
+  const std::filesystem::path source_ = std::filesystem::path(GOLDEN_FOLDER) / GetParam();
+  const TemporaryFolder folder_;
+  const std::filesystem::path work_ = folder_ / "work";
+};
+
+TEST_P(Golden, IsAsExpected) { check(ownEnvironment()); }
+
+TEST_P(Golden, IsTheSameWithADecimalComma) {
+  if (!hasLocale()) {
+    check(decimalCommaEnvironment());
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Case, Golden, ::testing::ValuesIn(caseNames()), testName);
+
+// The second run would prove nothing if the locale could not be loaded.
+TEST(DecimalComma, IsInForce) {
+  const Result result = run({
+      .program = "/usr/bin/printf",
+      .arguments = {"%.1f", "1,5"},
+      .environment = decimalCommaEnvironment()
+  });
+
+  EXPECT_EQ(result.output, "1,5");
+}
+
+}  // namespace
+}  // namespace program_tests

@@ -1,0 +1,134 @@
+#include "tests/program/program_under_test.h"
+
+#include <algorithm>
+
+#include "tests/support/masking.h"
+
+namespace program_tests {
+
+using testing_support::readFile;
+using testing_support::writeFile;
+
+namespace {
+
+constexpr const char* kNumberLocale = "de_DE.UTF-8";
+
+}  // namespace
+
+Environment plainEnvironment() {
+  return {
+      {"TZ",              "UTC"       },
+      {"LC_ALL",          "C"         },
+      {"LANG",            std::nullopt},
+      {"LANGUAGE",        std::nullopt},
+      {"SETTABLE_ENGINE", std::nullopt},
+      {"SETTABLE_TRACE",  std::nullopt}
+  };
+}
+
+Environment decimalCommaEnvironment() {
+  Environment environment = plainEnvironment();
+  environment["LC_ALL"] = std::nullopt;
+  environment["LC_MESSAGES"] = std::nullopt;
+  environment["LC_TIME"] = std::nullopt;
+  environment["LC_CTYPE"] = std::nullopt;
+  environment["LANG"] = "C";
+  environment["LC_NUMERIC"] = kNumberLocale;
+  environment["LOCPATH"] = LOCALE_FOLDER;
+  return environment;
+}
+
+Environment environmentWithMessages(const std::string& locale) {
+  Environment environment = decimalCommaEnvironment();
+  environment["LC_NUMERIC"] = std::nullopt;
+  environment["LC_MESSAGES"] = locale;
+  return environment;
+}
+
+std::filesystem::path builtProgram() { return ZELK_BINARY; }
+
+std::filesystem::path settableEngine() { return SETTABLE_ENGINE_LIBRARY; }
+
+ProgramTree::ProgramTree(const std::filesystem::path& folder) : folder_(folder) {
+  const std::filesystem::path built = builtProgram().parent_path().parent_path();
+  for (const char* const part : {"bin/zelk", "lib/zelk/libtal.so", "share/zelk/messages"}) {
+    std::filesystem::create_directories((folder_ / part).parent_path());
+    std::filesystem::copy(built / part, folder_ / part, std::filesystem::copy_options::recursive);
+  }
+}
+
+void ProgramTree::replaceEngine(const std::filesystem::path& library) const {
+  const std::filesystem::path place = folder_ / "lib/zelk/libtal.so";
+  std::filesystem::remove(place);
+  std::filesystem::copy_file(library, place);
+}
+
+std::string configuration(const std::vector<std::pair<std::string, std::string>>& changes) {
+  std::vector<std::pair<std::string, std::string>> settings = {
+      {"SERV", "engine" },
+      {"USER", ""       },
+      {"PASS", ""       },
+      {"REFR", "0"      },
+      {"LIMI", "0"      },
+      {"OUTP", "CONSOLE"},
+      {"NAME", ""       },
+      {"FILE", "NO"     },
+      {"SESS", "NO"     },
+      {"CONN", "NO"     },
+      {"RESO", "NO"     },
+      {"COMM", "NO"     },
+      {"HAND", "NO"     }
+  };
+  for (const auto& [key, value] : changes) {
+    std::find_if(settings.begin(), settings.end(), [name = key](const auto& setting) {
+      return setting.first == name;
+    })->second = value;
+  }
+  std::string text;
+  for (const auto& [key, value] : settings) {
+    text.append(key).append("=").append(value).append("\n");
+  }
+  return text;
+}
+
+Workplace::Workplace() : tree_(folder_ / "tree") {
+  tree_.replaceEngine(settableEngine());
+  configure({});
+  setEngine("");
+}
+
+testing_support::Command Workplace::command(std::vector<std::string> arguments) const {
+  testing_support::Command command{.program = tree_.program(), .arguments = std::move(arguments)};
+  command.folder = folder_.path();
+  command.environment = plainEnvironment();
+  command.environment["SETTABLE_ENGINE"] = folder_ / "engine";
+  command.environment["SETTABLE_TRACE"] = folder_ / "trace";
+  return command;
+}
+
+testing_support::Command Workplace::unprivilegedCommand(std::vector<std::string> arguments) const {
+  std::filesystem::permissions(folder_.path(), std::filesystem::perms{0755});
+  testing_support::Command unprivileged = command(std::move(arguments));
+  unprivileged.withoutPrivileges = true;
+  unprivileged.environment["SETTABLE_TRACE"] = std::nullopt;
+  return unprivileged;
+}
+
+void Workplace::configure(const std::vector<std::pair<std::string, std::string>>& changes) const {
+  writeFile(folder_ / "zelk.cfg", configuration(changes));
+}
+
+void Workplace::setEngine(const std::string& answers) const {
+  writeFile(folder_ / "engine", answers);
+}
+
+std::string Workplace::trace() const {
+  return std::filesystem::exists(folder_ / "trace") ? readFile(folder_ / "trace") : "";
+}
+
+std::string Workplace::maskedFile(const std::string& name) const {
+  const std::filesystem::path path = folder_ / name;
+  return std::filesystem::exists(path) ? testing_support::maskTimes(readFile(path)) : "";
+}
+
+}  // namespace program_tests

@@ -1,0 +1,91 @@
+// Where the program is, and what surrounds it in every test: a configuration, a time zone, a
+// locale, and where it is wanted an engine library whose answers the test has set.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/support/process.h"
+#include "tests/support/temporary_folder.h"
+
+namespace program_tests {
+
+using Environment = std::map<std::string, std::optional<std::string>>;
+
+// Universal time and no language: what the expected texts were written for.
+Environment plainEnvironment();
+
+// The same with numbers in the German way.
+Environment decimalCommaEnvironment();
+
+// The same with this locale for messages.
+Environment environmentWithMessages(const std::string& locale);
+
+// The executable of the build tree.
+std::filesystem::path builtProgram();
+
+// The engine library whose answers a test sets.
+std::filesystem::path settableEngine();
+
+// A copy of the built tree: bin/zelk, lib/zelk/libtal.so and share/zelk/messages in the folder.
+class ProgramTree {
+ public:
+  explicit ProgramTree(const std::filesystem::path& folder);
+
+  [[nodiscard]] std::filesystem::path program() const { return folder_ / "bin/zelk"; }
+  [[nodiscard]] std::filesystem::path messages() const { return folder_ / "share/zelk/messages"; }
+
+  // Puts another library in the place of the engine library.
+  void replaceEngine(const std::filesystem::path& library) const;
+
+ private:
+  std::filesystem::path folder_;
+};
+
+// A complete configuration: console output, no sections, no refreshing, engine "engine". The
+// changes replace the values of keys.
+std::string configuration(const std::vector<std::pair<std::string, std::string>>& changes = {});
+
+// A folder with a configuration file and a program tree over the settable engine.
+class Workplace {
+ public:
+  Workplace();
+
+  // The program in this folder, standard input at its end.
+  [[nodiscard]] testing_support::Command command(std::vector<std::string> arguments) const;
+
+  // The same for a user to whom permissions apply; the folder is opened to all users.
+  [[nodiscard]] testing_support::Command unprivilegedCommand(
+      std::vector<std::string> arguments) const;
+
+  void configure(const std::vector<std::pair<std::string, std::string>>& changes) const;
+
+  // Sets the engine's answers, in the format of the settable engine.
+  void setEngine(const std::string& answers) const;
+
+  // The calls that the engine has seen, a line each.
+  [[nodiscard]] std::string trace() const;
+
+  // The file of that name in the folder, times masked; empty if there is none.
+  [[nodiscard]] std::string maskedFile(const std::string& name) const;
+
+  [[nodiscard]] std::filesystem::path operator/(const std::string& name) const {
+    return folder_ / name;
+  }
+
+ private:
+  testing_support::TemporaryFolder folder_;
+  ProgramTree tree_;
+};
+
+// What the program writes first in text: its name, the copyright, an empty line.
+inline constexpr const char* kBanner =
+    "zelk 15.21.016.000 - database engine monitor\n"
+    "Copyright (c) 2026 the zelk developers\n"
+    "\n";
+
+}  // namespace program_tests

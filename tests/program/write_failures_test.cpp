@@ -1,0 +1,224 @@
+// A write that fails is never silent, and a reader that went away is no failure.
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/program/program_under_test.h"
+#include "tests/support/process.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/text_comparison.h"
+
+namespace program_tests {
+namespace {
+
+using testing_support::Command;
+using testing_support::Ending;
+using testing_support::Input;
+using testing_support::Process;
+using testing_support::readFile;
+using testing_support::Result;
+using testing_support::run;
+using testing_support::sameText;
+
+std::string incomplete(const std::string& file, const std::string& reason) {
+  return "Output is incomplete because a write failed. Free space or choose another place and run "
+         "again: " +
+         file + ": " + reason;
+}
+
+std::string asJson(const std::string& text) { return "\t\"error\": \"" + text + "\"\n"; }
+
+const std::vector<std::string> kOnce = {"-f", "zelk.cfg", "-runonce"};
+const std::vector<std::string> kOnceJson = {"-f", "zelk.cfg", "-runonce", "-JSON"};
+const std::vector<std::string> kLoop = {"-f", "zelk.cfg"};
+const std::string kFull = "No space left on device";
+
+TEST(WriteFailure, OfStandardOutputIsToldInText) {
+  const Workplace place;
+  for (const auto& arguments : {kOnce, kLoop, std::vector<std::string>{}}) {
+    Command command = place.command(arguments);
+    command.output = "/dev/full";
+
+    const Result result = run(command);
+
+    EXPECT_PRED_FORMAT2(sameText, incomplete("standard output", kFull) + "\n", result.error);
+    EXPECT_EQ(result.ending, Ending::exit(1));
+  }
+}
+
+TEST(WriteFailure, OfStandardOutputIsToldInJson) {
+  const Workplace place;
+  Command command = place.command(kOnceJson);
+  command.output = "/dev/full";
+
+  const Result result = run(command);
+
+  EXPECT_PRED_FORMAT2(sameText, asJson(incomplete("standard output", kFull)), result.error);
+  EXPECT_EQ(result.ending, Ending::exit(1));
+}
+
+TEST(WriteFailure, OfTheUsageInJsonIsTold) {
+  const Workplace place;
+  Command command = place.command({"-JSON"});
+  command.output = "/dev/full";
+
+  const Result result = run(command);
+
+  EXPECT_NE(result.error.find(incomplete("standard output", kFull)), std::string::npos)
+      << result.error;
+  EXPECT_EQ(result.ending, Ending::exit(1));
+}
+
+TEST(WriteFailure, OfTheLogIsToldInText) {
+  const Workplace place;
+  for (const char* const output : {"FILE", "BOTH"}) {
+    place.configure({
+        {"OUTP", output     },
+        {"NAME", "/dev/full"}
+    });
+
+    const Result result = run(place.command(kOnce));
+
+    EXPECT_PRED_FORMAT2(sameText, incomplete("/dev/full", kFull) + "\n", result.error);
+    EXPECT_EQ(result.ending, Ending::exit(1));
+  }
+}
+
+TEST(WriteFailure, OfTheLogIsToldInJson) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "FILE"     },
+      {"NAME", "/dev/full"}
+  });
+
+  const Result result = run(place.command(kOnceJson));
+
+  EXPECT_PRED_FORMAT2(sameText, asJson(incomplete("/dev/full", kFull)), result.error);
+  EXPECT_EQ(result.output, "}\n");
+  EXPECT_EQ(result.ending, Ending::exit(1));
+}
+
+TEST(WriteFailure, EndsARunThatWentOnForAWhile) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "FILE"     },
+      {"NAME", "small.log"},
+      {"RESO", "YES"      }
+  });
+  Command command = place.command(kLoop);
+  command.fileSizeLimit = 8000;
+  command.input = Input::text(std::string(60, 'r'));
+
+  const Result result = run(command);
+
+  EXPECT_PRED_FORMAT2(sameText, incomplete("small.log", "File too large") + "\n", result.error);
+  EXPECT_EQ(result.ending, Ending::exit(1));
+  EXPECT_EQ(std::filesystem::file_size(place / "small.log"), 8000U);
+}
+
+TEST(WriteFailure, LeavesTheEngineInOrder) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "FILE"     },
+      {"NAME", "small.log"},
+      {"RESO", "YES"      }
+  });
+  Command command = place.command(kLoop);
+  command.fileSizeLimit = 8000;
+  command.input = Input::text(std::string(60, 'r'));
+
+  run(command);
+
+  const std::string trace = place.trace();
+  EXPECT_TRUE(trace.ends_with("TalGetZorbUsageEx2 42\nTalDisconnect 42\nTalStop\n")) << trace;
+}
+
+TEST(WriteFailure, OfAStandardOutputFileOverItsLimitIsTold) {
+  const Workplace place;
+  place.configure({
+      {"RESO", "YES"}
+  });
+  Command command = place.command(kOnce);
+  command.output = place / "out";
+  command.fileSizeLimit = 300;
+
+  const Result result = run(command);
+
+  EXPECT_PRED_FORMAT2(sameText, incomplete("standard output", "File too large") + "\n",
+                      result.error);
+  EXPECT_EQ(result.ending, Ending::exit(1));
+}
+
+// The next file that is opened gets the free number 1: the log must not receive the console's
+// lines.
+TEST(WriteFailure, OfAClosedStandardOutputIsTold) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "BOTH"}
+  });
+  Command command = place.command({"-c", "exec \"$0\" \"$@\" >&-"});
+  command.arguments.push_back(command.program);
+  command.arguments.insert(command.arguments.end(), kOnce.begin(), kOnce.end());
+  command.program = "/bin/sh";
+
+  const Result result = run(command);
+
+  EXPECT_PRED_FORMAT2(sameText, incomplete("standard output", "Bad file descriptor") + "\n",
+                      result.error);
+  EXPECT_EQ(result.ending, Ending::exit(1));
+}
+
+// There is nowhere left to tell it, but the exit code.
+TEST(WriteFailure, OfStandardErrorKeepsTheExitCode) {
+  const Workplace place;
+  for (const auto& arguments : {kOnce, kOnceJson}) {
+    std::filesystem::remove(place / "zelk.cfg");
+    Command command = place.command(arguments);
+    command.error = "/dev/full";
+
+    const Result result = run(command);
+
+    EXPECT_EQ(result.ending, Ending::exit(1));
+  }
+}
+
+TEST(ClosedReader, EndsTheProgramQuietly) {
+  const Workplace place;
+  place.configure({
+      {"RESO", "YES"}
+  });
+  Command command = place.command(kLoop);
+  command.input = Input::pipe();
+  Process process(command);
+  process.waitForOutput("Type r to refresh, q to stop.");
+
+  process.closeOutput();
+  process.write("r");
+
+  EXPECT_EQ(process.wait(), Ending::killedBy(SIGPIPE));
+  EXPECT_EQ(process.error(), "");
+}
+
+TEST(ClosedReader, EndsALongReportQuietly) {
+  const Workplace place;
+  std::string files;
+  for (int i = 0; i < 5000; ++i) {
+    files += "file\t/data/file" + std::to_string(i) + "\t4096\t78\t78\t78\t1\n";
+  }
+  place.setEngine(files);
+  place.configure({
+      {"FILE", "YES"}
+  });
+  Process process(place.command(kOnce));
+  process.waitForOutput("\n");
+
+  process.closeOutput();
+
+  EXPECT_EQ(process.wait(), Ending::killedBy(SIGPIPE));
+  EXPECT_EQ(process.error(), "");
+}
+
+}  // namespace
+}  // namespace program_tests

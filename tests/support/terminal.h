@@ -1,0 +1,40 @@
+// Runs a program as a user sees it: on a terminal.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "tests/support/file_descriptor.h"
+#include "tests/support/process.h"
+
+namespace testing_support {
+
+// A pseudo-terminal, the program's controlling one, on its standard input, output and error. It
+// echoes what is typed and hands it over by lines, as a user's terminal does.
+class Terminal {
+ public:
+  // Starts the command on a new terminal; its own settings of the standard files are replaced.
+  explicit Terminal(Command command);
+
+  // Types the keys. "\x03" interrupts, as Ctrl-C does.
+  void type(std::string_view keys) const;
+
+  // Reads until the screen holds the text; a deadline or the program's end before fails the test.
+  bool waitFor(std::string_view text);
+
+  // Reads all that is written and waits for the program's end.
+  Ending wait();
+
+  // What was written up to now, line ends as "\n".
+  [[nodiscard]] const std::string& screen() const { return screen_; }
+
+ private:
+  // Reads what the terminal holds at the moment.
+  void read();
+
+  FileDescriptor master_;
+  Process process_;
+  std::string screen_;
+};
+
+}  // namespace testing_support
