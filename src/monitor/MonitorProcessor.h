@@ -56,21 +56,21 @@ class MonitorProcessor {
   // `kind`: 0 a text, 1 a number, 2 a flag.
   void printConfigurationNV(const orv::String& name, const orv::String& value, bool json, int kind);
 
-  // Codes to words. What is not in a map is "n/a".
+  // Codes to words. What is not in a map is "n/a". The words live as long as the maps.
   void createMaps(bool json);
-  static orv::String getMapValue(const orv::Reference<orv::collections::IntegerHashMap>& map,
-                                 int code);
-  [[nodiscard]] orv::String getBooleanStateString(int code) const;
-  [[nodiscard]] orv::String getReadOnlyFlagString(int code) const;
-  [[nodiscard]] orv::String getTransactionLockString(int code) const;
-  [[nodiscard]] orv::String getRecordLocksString(int code) const;
-  [[nodiscard]] orv::String getOpenModeString(int code) const;
-  [[nodiscard]] orv::String getRecordLockTypeString(int code) const;
-  [[nodiscard]] orv::String getTransStateString(int code) const;
-  [[nodiscard]] orv::String getWaitStateString(int code) const;
-  [[nodiscard]] orv::String getSiteString(int code) const;
-  [[nodiscard]] orv::String getProtocolRequestString(int code) const;
-  [[nodiscard]] orv::String getProtocolSessionString(int code) const;
+  static const orv::String& getMapValue(const orv::Reference<orv::collections::IntegerHashMap>& map,
+                                        int code);
+  [[nodiscard]] const orv::String& getBooleanStateString(int code) const;
+  [[nodiscard]] const orv::String& getReadOnlyFlagString(int code) const;
+  [[nodiscard]] const orv::String& getTransactionLockString(int code) const;
+  [[nodiscard]] const orv::String& getRecordLocksString(int code) const;
+  [[nodiscard]] const orv::String& getOpenModeString(int code) const;
+  [[nodiscard]] const orv::String& getRecordLockTypeString(int code) const;
+  [[nodiscard]] const orv::String& getTransStateString(int code) const;
+  [[nodiscard]] const orv::String& getWaitStateString(int code) const;
+  [[nodiscard]] const orv::String& getSiteString(int code) const;
+  [[nodiscard]] const orv::String& getProtocolRequestString(int code) const;
+  [[nodiscard]] const orv::String& getProtocolSessionString(int code) const;
   static orv::String getStatusString(int status);
   // "unlimited" for 0.
   static orv::String getMaxValue(long maximum);

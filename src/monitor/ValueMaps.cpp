@@ -96,51 +96,53 @@ void MonitorProcessor::createMaps(bool json) {
   protocolSessionMap_ = mapOf(kProtocolSessions, json);
 }
 
-orv::String MonitorProcessor::getMapValue(
+const orv::String& MonitorProcessor::getMapValue(
     const orv::Reference<orv::collections::IntegerHashMap>& map, int code) {
   const orv::String* text = map->get(code);
   return text != nullptr ? *text : s_notAvailable;
 }
 
-orv::String MonitorProcessor::getBooleanStateString(int code) const {
+const orv::String& MonitorProcessor::getBooleanStateString(int code) const {
   return getMapValue(booleanStateMap_, code);
 }
 
-orv::String MonitorProcessor::getReadOnlyFlagString(int code) const {
+const orv::String& MonitorProcessor::getReadOnlyFlagString(int code) const {
   return getBooleanStateString(code);
 }
 
-orv::String MonitorProcessor::getTransactionLockString(int code) const {
+const orv::String& MonitorProcessor::getTransactionLockString(int code) const {
   return getBooleanStateString(code);
 }
 
-orv::String MonitorProcessor::getRecordLocksString(int code) const {
+const orv::String& MonitorProcessor::getRecordLocksString(int code) const {
   return getBooleanStateString(code);
 }
 
-orv::String MonitorProcessor::getOpenModeString(int code) const {
+const orv::String& MonitorProcessor::getOpenModeString(int code) const {
   return getMapValue(openModeMap_, code);
 }
 
-orv::String MonitorProcessor::getRecordLockTypeString(int code) const {
+const orv::String& MonitorProcessor::getRecordLockTypeString(int code) const {
   return getMapValue(recordLockTypeMap_, code);
 }
 
-orv::String MonitorProcessor::getTransStateString(int code) const {
+const orv::String& MonitorProcessor::getTransStateString(int code) const {
   return getMapValue(transStateMap_, code);
 }
 
-orv::String MonitorProcessor::getWaitStateString(int code) const {
+const orv::String& MonitorProcessor::getWaitStateString(int code) const {
   return getMapValue(waitStateMap_, code);
 }
 
-orv::String MonitorProcessor::getSiteString(int code) const { return getMapValue(siteMap_, code); }
+const orv::String& MonitorProcessor::getSiteString(int code) const {
+  return getMapValue(siteMap_, code);
+}
 
-orv::String MonitorProcessor::getProtocolRequestString(int code) const {
+const orv::String& MonitorProcessor::getProtocolRequestString(int code) const {
   return getMapValue(protocolRequestMap_, code);
 }
 
-orv::String MonitorProcessor::getProtocolSessionString(int code) const {
+const orv::String& MonitorProcessor::getProtocolSessionString(int code) const {
   return getMapValue(protocolSessionMap_, code);
 }
 

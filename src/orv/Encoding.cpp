@@ -1,6 +1,8 @@
 #include "orv/Encoding.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 namespace orv {
 namespace {
@@ -53,21 +55,35 @@ wchar_t characterOf(const Lead& lead, std::string_view bytes) noexcept {
   return static_cast<wchar_t>(value);
 }
 
+constexpr std::size_t kBlock = 8;
+
+bool isAsciiBlock(const char* bytes) noexcept {
+  std::uint64_t block = 0;
+  std::memcpy(&block, bytes, kBlock);
+  return (block & 0x8080808080808080U) == 0;
+}
+
 std::size_t lengthOfAscii(std::string_view bytes) noexcept {
   std::size_t length = 0;
+  while (bytes.size() - length >= kBlock && isAsciiBlock(bytes.data() + length)) length += kBlock;
   while (length < bytes.size() && static_cast<std::uint8_t>(bytes[length]) < 0x80) ++length;
   return length;
+}
+
+// Bytes below 0x80 are characters of the same number.
+void appendAscii(std::string_view bytes, std::wstring& text) {
+  const std::size_t before = text.size();
+  text.resize(before + bytes.size());
+  std::copy(bytes.begin(), bytes.end(), text.begin() + static_cast<std::ptrdiff_t>(before));
 }
 
 }  // namespace
 
 std::size_t decodeUtf8(std::string_view bytes, bool atEnd, std::wstring& text) {
-  text.reserve(text.size() + bytes.size());
   std::size_t at = 0;
   while (at < bytes.size()) {
     const std::size_t run = lengthOfAscii(bytes.substr(at));
-    text.append(bytes.begin() + static_cast<std::ptrdiff_t>(at),
-                bytes.begin() + static_cast<std::ptrdiff_t>(at + run));
+    appendAscii(bytes.substr(at, run), text);
     at += run;
     if (at == bytes.size()) break;
     const auto byte = static_cast<std::uint8_t>(bytes[at]);

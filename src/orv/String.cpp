@@ -18,7 +18,7 @@ template <class Number>
 String decimal(Number number) {
   char digits[24];
   const auto end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
-  return String(std::string_view(digits, static_cast<std::size_t>(end - digits)));
+  return String(std::wstring(std::begin(digits), end));
 }
 
 }  // namespace
@@ -81,9 +81,11 @@ String String::toUpper() const {
 }
 
 String operator+(const char* left, const String& right) {
+  // Room for what a line of output gets beside: a comma, tabs before it, the line's end.
+  constexpr std::size_t kSlack = 12;
   const std::string_view bytes(left);
   String result;
-  result.text_.reserve(bytes.size() + right.length());
+  result.text_.reserve(bytes.size() + right.length() + kSlack);
   result.append(bytes);
   return std::move(result.append(right));
 }

@@ -14,7 +14,7 @@ namespace orv::io {
 // full or flushed. What is buffered when a write fails, or when the writer is destroyed, is lost.
 class OutputStreamWriter : public Object {
  public:
-  // `bufferSize` in characters.
+  // `bufferSize` in characters, at least 1.
   OutputStreamWriter(Reference<OutputStream> stream, std::size_t bufferSize);
 
   // All throw IoException.
