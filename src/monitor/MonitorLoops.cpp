@@ -4,6 +4,7 @@
 
 #include "monitor/Keys.h"
 #include "monitor/MonitorProcessor.h"
+#include "orv/Functions.h"
 #include "orv/StopSignals.h"
 #include "orv/io/StdioInputStream.h"
 #include "orv/io/StdioOutputStream.h"
@@ -31,7 +32,7 @@ void MonitorProcessor::processMonitorRequestsUntilStopped(bool json) {
                                        : messages_->getResStr("INFO_EXIT") + " ";
   int count = 0;
   while (!s_stopRequested) {
-    processMonitorRequests(json);
+    refresh(json);
     ++count;
     if (isLimited && count >= config_->refreshLimit) {
       s_stopRequested = true;
@@ -40,7 +41,12 @@ void MonitorProcessor::processMonitorRequestsUntilStopped(bool json) {
     if (config_->consoleOutput) printPromptAndProgress(*writer, prompt, count);
     if (!s_stopRequested) incrementalSleep(sleepTime);
   }
-  if (orv::stopSignalCame()) writer->println(messages_->getResStr("MSG_EXIT"));
+  if (orv::stopSignalCame() || s_closingLineLost) writer->println(messages_->getResStr("MSG_EXIT"));
+}
+
+void MonitorProcessor::refresh(bool json) {
+  processMonitorRequests(json);
+  orv::returnFreeMemory();  // what one report listed is not kept while waiting for the next
 }
 
 void MonitorProcessor::printPromptAndProgress(orv::io::PrintWriter& writer,
@@ -66,7 +72,7 @@ void MonitorProcessor::incrementalSleep(long milliseconds) {
 }
 
 void MonitorProcessor::processMonitorRequestManually(bool json) {
-  processMonitorRequests(json);
+  refresh(json);
   const auto writer = newStdOutWriter();
   const orv::String prompt = messages_->getResStr("INFO_EXIT_REFRESH");
   writer->println();
@@ -87,7 +93,7 @@ void MonitorProcessor::readKeysManually(orv::io::PrintWriter& writer, const orv:
       return;
     }
     if (isKey(byte, 'R')) {
-      processMonitorRequests(json);
+      refresh(json);
       writer.println();
       writer.print(prompt);
       writer.flush();

@@ -5,6 +5,7 @@
 #include "util/Utils.h"
 
 std::atomic<bool> s_stopRequested{false};
+std::atomic<bool> s_closingLineLost{false};
 const orv::String s_notAvailable("n/a");
 
 MonitorProcessor::MonitorProcessor(const ConfigData* config, bool json)

@@ -17,6 +17,10 @@
 // stop signal or by the timed loop at its limit; never reset: a process runs one monitoring run.
 extern std::atomic<bool> s_stopRequested;
 
+// The keyboard thread could not write its closing line. The main thread, which can end the run in
+// order, then writes it again and fails for it.
+extern std::atomic<bool> s_closingLineLost;
+
 // What stands for a value that is not available or not known.
 extern const orv::String s_notAvailable;
 
@@ -94,6 +98,7 @@ class MonitorProcessor {
   using IntegerMap = orv::Reference<orv::collections::IntegerHashMap>;
 
   void writeRunStart(bool json);
+  void refresh(bool json);
   void printConfigurationMembers(bool json);
   void printPromptAndProgress(orv::io::PrintWriter& writer, const orv::String& prompt, int count);
   void readKeysManually(orv::io::PrintWriter& writer, const orv::String& prompt, bool json);

@@ -42,7 +42,11 @@ class MonitorProcessor::UserInputThreadArgs : public orv::Object {
  private:
   void stop(const orv::String& closingLine) {
     s_stopRequested = true;
-    writer_->println(closingLine);
+    try {
+      writer_->println(closingLine);
+    } catch (const orv::io::IoException&) {
+      s_closingLineLost = true;
+    }
   }
 
   orv::String exitText_;

@@ -1,6 +1,7 @@
 #include "orv/Functions.h"
 
 #include <dirent.h>
+#include <malloc.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -75,6 +76,8 @@ bool ORVPathExists(const String& path) {
 LocalTime ORVTimeGetLocal() noexcept { return {std::time(nullptr)}; }
 
 std::time_t ORVTimeToPosix(const LocalTime& time) noexcept { return time.seconds; }
+
+void returnFreeMemory() noexcept { malloc_trim(0); }
 
 void ORVUnicodeToAnsi(const String& text, char* buffer, std::size_t size) {
   const std::string bytes = text.toBytes();

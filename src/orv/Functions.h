@@ -36,6 +36,9 @@ struct LocalTime {
 LocalTime ORVTimeGetLocal() noexcept;
 std::time_t ORVTimeToPosix(const LocalTime& time) noexcept;
 
+// Gives memory that was freed back to the system.
+void returnFreeMemory() noexcept;
+
 // Copies the text's bytes into `buffer`, cut at a character to fit with a closing NUL. `size` is
 // the buffer's, at least 1.
 void ORVUnicodeToAnsi(const String& text, char* buffer, std::size_t size);

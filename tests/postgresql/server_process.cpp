@@ -81,7 +81,10 @@ bool makeCluster(const ServerSettings& settings, const fs::path& programs) {
   std::ofstream(settings.folder / "data/postgresql.conf", std::ios::app)
       << "listen_addresses = '127.0.0.1'\n"
       << "port = " << settings.port << '\n'
-      << "unix_socket_directories = '" << settings.folder.string() << "'\n"
+      << "unix_socket_directories = '" << settings.folder.string()
+      << "'\n"
+      // In the cluster's folder: with it goes what a killed server could not remove.
+      << "dynamic_shared_memory_type = mmap\n"
       << "max_connections = 40\n"
       << "max_prepared_transactions = 10\n"
       << "fsync = off\n"

@@ -157,6 +157,7 @@ TEST_P(Signals, CloseTheJsonDocument) {
 }
 
 TEST_P(Signals, EndTheProcessAtOnceTheSecondTime) {
+  if (kUnderThreadSanitizer) GTEST_SKIP() << "the sanitizer holds the first signal back";
   configure("0", "0");
   holdEngine();
   Process process(command());

@@ -22,6 +22,10 @@ class Terminal {
   // Reads until the screen holds the text; a deadline or the program's end before fails the test.
   bool waitFor(std::string_view text);
 
+  // Closes the terminal, as a lost connection does: the program gets SIGHUP and can no longer use
+  // it.
+  void hangUp() { master_.close(); }
+
   // Reads all that is written and waits for the program's end.
   Ending wait();
 

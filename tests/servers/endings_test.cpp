@@ -1,0 +1,185 @@
+// Runs at a fixed rate that lose their server: each ends soon and says why, none hangs.
+#include <signal.h>
+
+#include <fstream>
+
+#include "tests/mariadb/ServerTest.h"
+#include "tests/mariadb/wait_until.h"
+#include "tests/postgresql/ServerTest.h"
+#include "tests/servers/monitor.h"
+#include "tests/servers/shared_memory.h"
+
+namespace servers_testing {
+namespace {
+
+using testing_support::Ending;
+using testing_support::Process;
+
+constexpr std::chrono::seconds kRate{5};
+// The longest call takes 10 s; the rest is for a busy machine.
+constexpr std::chrono::seconds kBound = kRate + std::chrono::seconds(15);
+
+// The last line of a refresh.
+constexpr const char* kLastLine = "\tTCP/IP Remote Sessions:";
+
+class TimedRun {
+ public:
+  // Returns when the first refresh is complete.
+  explicit TimedRun(const Target& target)
+      : monitor_(
+            target,
+            {
+                {"REFR", std::to_string(kRate.count())},
+                {"OUTP", "BOTH"                       },
+                {"NAME", "zelk.log"                   }
+  }),
+        process_(monitor_.command(kTimed)) {
+    EXPECT_TRUE(process_.waitForOutput(kLastLine));
+    EXPECT_TRUE(process_.waitForOutput("Type q to stop."));
+  }
+
+  bool waitForRefreshes(int number) { return process_.waitForOutput(kLastLine, number); }
+
+  // Expects the run to end with this failure, and nothing of the refresh that met it.
+  void expectEnd(int status, std::chrono::steady_clock::time_point lost) {
+    EXPECT_EQ(process_.wait(), Ending::exit(1));
+    EXPECT_LT(std::chrono::steady_clock::now() - lost, kBound);
+    EXPECT_EQ(process_.error(), failureText(status) + "\n");
+
+    const std::string log = monitor_.log();
+    EXPECT_TRUE(log.ends_with("\n"));
+    const std::vector<std::string> lines = linesOf(log);
+    EXPECT_TRUE(lines.back().starts_with(kLastLine)) << lines.back();
+  }
+
+  // Expects the run to end by itself when it is asked to.
+  void stop() {
+    process_.closeInput();
+    EXPECT_EQ(process_.wait(), Ending::exit(0));
+  }
+
+ private:
+  Monitor monitor_;
+  Process process_;
+};
+
+// A process that does nothing as long as this object lives.
+class Frozen {
+ public:
+  explicit Frozen(pid_t process) : process_(process) { ::kill(process_, SIGSTOP); }
+  Frozen(const Frozen&) = delete;
+  Frozen& operator=(const Frozen&) = delete;
+  ~Frozen() { ::kill(process_, SIGCONT); }
+
+ private:
+  pid_t process_;
+};
+
+// The accounts of runs on the shared server, one for each, by which its process is found.
+class PostgresqlMonitors {
+ public:
+  // Makes the account.
+  Target target(const std::string& user) {
+    admin_.run("DROP ROLE IF EXISTS " + user);
+    admin_.run("CREATE ROLE " + user + " LOGIN PASSWORD 'secret'");
+    admin_.run("GRANT pg_read_all_stats TO " + user);
+    return {"postgresql://127.0.0.1:" + std::to_string(server_.port()) + "/app", user};
+  }
+
+  pid_t processOf(const std::string& user) {
+    return std::stoi(
+        admin_.value("SELECT pid FROM pg_stat_activity WHERE usename = '" + user + "'"));
+  }
+
+  void terminate(const std::string& user) {
+    admin_.run("SELECT pg_terminate_backend(" + std::to_string(processOf(user)) + ")");
+  }
+
+ private:
+  testing_support::PrivateServer& server_ = testing_support::sharedServer();
+  testing_support::Session admin_ = testing_support::superuser(server_, "postgres", "admin");
+};
+
+// The same on the shared MariaDB server.
+class MariadbMonitors {
+ public:
+  // Makes the account.
+  Target target(const std::string& user) {
+    const std::string account = accountOf(user);
+    admin_.executeAll({"CREATE OR REPLACE USER " + account + " IDENTIFIED BY 'secret'",
+                       "GRANT PROCESS ON *.* TO " + account,
+                       "GRANT SELECT ON performance_schema.* TO " + account});
+    return {"mariadb://" + mariadb_testing::locationOf(server_), user};
+  }
+
+  void lock(const std::string& user) {
+    admin_.execute("ALTER USER " + accountOf(user) + " ACCOUNT LOCK");
+  }
+
+  void end(const std::string& user) {
+    admin_.execute("KILL " + admin_.value("SELECT id FROM information_schema.processlist"
+                                          " WHERE user = '" +
+                                          user + "'"));
+  }
+
+ private:
+  static std::string accountOf(const std::string& user) { return user + "@'127.0.0.1'"; }
+
+  mariadb_testing::PrivateServer& server_ = mariadb_testing::instrumentedServer();
+  mariadb_testing::Session admin_ = mariadb_testing::Session::administrator(server_);
+};
+
+// Kills the first process of the server alone; the others notice it and end.
+void killServer(const testing_support::PrivateServer& server) {
+  pid_t process = -1;
+  std::ifstream(server.folder() / "data/postmaster.pid") >> process;
+  ASSERT_GT(process, 1);
+  const SharedMemory memory(process);
+  ::kill(process, SIGKILL);
+  const std::string address = server.connectionString("postgres", "secret", "app");
+  testing_support::waitUntil([&] { return PQping(address.c_str()) == PQPING_NO_RESPONSE; });
+  memory.remove();
+}
+
+// One test for all, since each waits for a refresh and a time limit.
+TEST(Endings, EveryLossEndsTheRun) {
+  const testing_support::PrivateServer doomed;
+  testing_support::prepare(doomed);
+  const mariadb_testing::PrivateServer doomedToo(mariadb_testing::PrivateServer::Encryption::kNone);
+  mariadb_testing::makeAccounts(doomedToo);
+  PostgresqlMonitors postgresql;
+  MariadbMonitors mariadb;
+  TimedRun terminated(postgresql.target("terminated"));
+  TimedRun served(postgresql.target("served"));
+  TimedRun onDoomed({"postgresql://127.0.0.1:" + std::to_string(doomed.port()) + "/app"});
+  TimedRun lockedOut(mariadb.target("lockedout"));
+  TimedRun renewed(mariadb.target("renewed"));
+  TimedRun onFrozen({"mariadb://" + mariadb_testing::locationOf(mariadb_testing::plainServer())});
+  TimedRun onDoomedToo({"mariadb://" + mariadb_testing::locationOf(doomedToo)});
+
+  const auto lost = std::chrono::steady_clock::now();
+  const Frozen server(mariadb_testing::plainServer().process());
+  const Frozen backend(postgresql.processOf("served"));
+  postgresql.terminate("terminated");
+  mariadb.lock("lockedout");
+  mariadb.end("lockedout");
+  mariadb.end("renewed");  // logs in again, which is no loss
+  ::kill(doomedToo.process(), SIGKILL);
+  killServer(doomed);
+
+  const auto expectEnd = [lost](const char* name, TimedRun& run, int status) {
+    SCOPED_TRACE(name);
+    run.expectEnd(status, lost);
+  };
+  expectEnd("session terminated", terminated, 7106);
+  expectEnd("server killed", onDoomed, 7106);
+  expectEnd("process of the session frozen", served, 7107);
+  expectEnd("session killed, account locked", lockedOut, 7124);
+  expectEnd("MariaDB killed", onDoomedToo, 7103);
+  expectEnd("MariaDB frozen", onFrozen, 7107);
+  EXPECT_TRUE(renewed.waitForRefreshes(2));
+  renewed.stop();
+}
+
+}  // namespace
+}  // namespace servers_testing
