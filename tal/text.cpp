@@ -27,9 +27,8 @@ bool mayFollow(unsigned char lead, unsigned char second) noexcept {
 }
 
 bool isControl(std::string_view character) noexcept {
-  const unsigned char first = byteAt(character, 0);
-  if (character.size() == 1) return first < 0x20 || first == 0x7f;
-  return character.size() == 2 && first == 0xc2 && byteAt(character, 1) < 0xa0;
+  if (character.size() == 1) return tal::isControl(character.front());
+  return character.size() == 2 && byteAt(character, 0) == 0xc2 && byteAt(character, 1) < 0xa0;
 }
 
 // `out` may be where `text` begins: what is written never overtakes what is read.

@@ -8,6 +8,11 @@
 
 namespace tal {
 
+// Whether a byte by itself is a control character.
+constexpr bool isControl(char byte) noexcept {
+  return (byte >= '\0' && byte < ' ') || byte == '\x7f';
+}
+
 // Bytes of the UTF-8 character that the text begins with; 1 where its bytes are not UTF-8. The text
 // must not be empty.
 std::size_t characterLength(std::string_view text) noexcept;

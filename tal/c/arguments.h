@@ -1,6 +1,7 @@
 // What callers hand in.
 #pragma once
 
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 

@@ -36,10 +36,7 @@ std::int64_t& counterOf(ThreadFacts& facts, std::string_view variable) {
   return facts.read;
 }
 
-// Counters of a server only grow, but what it sends is not trusted not to overflow.
-void add(std::int64_t& sum, std::int64_t number) {
-  if (__builtin_add_overflow(sum, number, &sum)) sum = INT64_MAX;
-}
+void add(std::int64_t& sum, std::int64_t number) { sum = sql::saturatingSum(sum, number); }
 
 ClientRow clientOf(const sql::RowSource& row) {
   ClientRow client;

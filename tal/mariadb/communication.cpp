@@ -8,7 +8,7 @@ namespace tal::mariadb {
 Communication CommunicationReader::read(sql::RowSource& rows, bool networking) {
   const NamedValues values(rows);
   Communication result;
-  result.requests = sql::clampUnsigned(values["QUESTIONS"]);
+  result.requests = sql::clampUnsigned(values.needed("QUESTIONS"));
   result.remoteSessions = tcpSessions_.sample(values["x_tcp_sessions"], values["MAX_CONNECTIONS"]);
   result.threads = hasThreadPool(values) ? poolThreads(values, poolThreads_) : connections(values);
   // The server counts every connection that ended without a good-bye, and time-outs among them.

@@ -2,7 +2,9 @@
 
 #include <mysqld_error.h>
 #include <poll.h>
+#include <sys/socket.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <vector>
@@ -10,6 +12,7 @@
 #include "tal/failure.h"
 #include "tal/mariadb/pipe_signal.h"
 #include "tal/mariadb/server_errors.h"
+#include "tal/mariadb/watchdog.h"
 #include "tal/sql/resolve.h"
 #include "tal/sql/wait.h"
 
@@ -22,7 +25,8 @@ using Handle = std::unique_ptr<MYSQL, CloseConnection>;
 constexpr std::size_t kOperationStack = 256UL * 1024;
 
 // Waits for what a suspended operation wants, and returns what it is resumed with. Past the
-// deadline that is a time-out: it makes the library end the operation and free what it holds.
+// deadline that is a time-out: it makes the library end the operation and free what it holds. An
+// encrypted connection does not listen to it, but to the loss of its socket.
 int awaitEvents(MYSQL* mysql, int wanted, const sql::Deadline& deadline) {
   const bool reads = (wanted & MYSQL_WAIT_READ) != 0;
   const bool writes = (wanted & MYSQL_WAIT_WRITE) != 0;
@@ -32,6 +36,7 @@ int awaitEvents(MYSQL* mysql, int wanted, const sql::Deadline& deadline) {
     return ((ready & POLLIN) != 0 ? MYSQL_WAIT_READ : 0) |
            ((ready & POLLOUT) != 0 ? MYSQL_WAIT_WRITE : 0);
   } catch (const Failure&) {
+    ::shutdown(mysql_get_socket(mysql), SHUT_RDWR);
     return MYSQL_WAIT_TIMEOUT;
   }
 }
@@ -40,14 +45,17 @@ int awaitEvents(MYSQL* mysql, int wanted, const sql::Deadline& deadline) {
 template <typename Start, typename Resume>
 bool run(MYSQL* mysql, const sql::Deadline& deadline, Start start, Resume resume) {
   const PipeSignalBlocked blocked;
+  Watchdog watchdog(deadline);
+  watchdog.guard(mysql_get_socket(mysql));
   bool inTime = true;
   int wanted = start();
   while (wanted != 0) {
+    watchdog.guard(mysql_get_socket(mysql));
     const int events = awaitEvents(mysql, wanted, deadline);
     inTime = inTime && events != MYSQL_WAIT_TIMEOUT;
     wanted = resume(events);
   }
-  return inTime;
+  return inTime && !watchdog.hasBitten();
 }
 
 [[noreturn]] void fail(MYSQL* mysql, bool inTime) {
@@ -78,6 +86,16 @@ void setEncryption(MYSQL* mysql, const Encryption& encryption) {
   for (const auto& [option, value] : encryption.settings) setOption(mysql, option, value.c_str());
 }
 
+// The ways to log in that the server may ask for. By these it never learns the password; by the
+// others it does, or by its own key may, so that they are for a server that has proved who it is.
+// None of them talks to the user on the terminal.
+void restrictLogin(MYSQL* mysql, const Encryption& encryption) {
+  setOption(mysql, MARIADB_OPT_RESTRICTED_AUTH,
+            encryption.verified ? "mysql_native_password,client_ed25519,caching_sha2_password,"
+                                  "mysql_clear_password"
+                                : "mysql_native_password,client_ed25519");
+}
+
 Handle prepare(const Location& location, const Encryption& encryption,
                const sql::Deadline& deadline) {
   Handle handle(mysql_init(nullptr));
@@ -95,6 +113,7 @@ Handle prepare(const Location& location, const Encryption& encryption,
   if (mysql_optionsv(handle.get(), MYSQL_OPT_CONNECT_ATTR_ADD, "program_name", "zelk") != 0) {
     throw Failure(Status::kInternalError);
   }
+  restrictLogin(handle.get(), encryption);
   setEncryption(handle.get(), encryption);
   return handle;
 }
@@ -136,7 +155,8 @@ Handle logIn(const char* host, const Location& location, const Credentials& cred
 }
 
 // A certificate is checked against the name that was asked for, so that name must reach the
-// library; otherwise it gets numeric addresses, for its own look-up knows no time limit.
+// library; otherwise it gets numeric addresses, for its own look-up knows no time limit: once
+// more for a name that has just been found.
 std::vector<std::string> hostsToTry(const Location& location, const Encryption& encryption,
                                     const sql::Deadline& deadline) {
   std::vector<std::string> addresses = sql::resolveHost(location.address.host, deadline);

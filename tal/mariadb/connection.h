@@ -19,7 +19,9 @@ struct CloseConnection {
   void operator()(MYSQL* mysql) const noexcept;
 };
 
-// Logged in from construction to destruction. No operation waits past its deadline. After
+// Logged in from construction to destruction. No operation waits past its deadline, but for one
+// look-up: a host whose certificate is verified is looked up again by the library, as long as the
+// system's resolver takes. After
 // Failure(kNoAnswer) or Failure(kConnectionLost) it is good for nothing but to be destroyed; it
 // never opens itself again.
 class Connection {

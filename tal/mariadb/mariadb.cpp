@@ -13,6 +13,7 @@
 #include "tal/mariadb/table_handles.h"
 #include "tal/mariadb/table_locks.h"
 #include "tal/mariadb/usage.h"
+#include "tal/sql/system_user.h"
 
 namespace tal::mariadb {
 namespace {
@@ -92,7 +93,8 @@ class MariaDbEngine final : public Engine {
   CommunicationReader communication_;
 };
 
-Credentials withPassword(Credentials credentials, const Options& options) {
+Credentials completed(Credentials credentials, const Options& options) {
+  if (credentials.user.empty()) credentials.user = sql::systemUser();
   const auto password = options.find("password");
   if (credentials.password.empty() && password != options.end()) {
     credentials.password = password->second;
@@ -105,7 +107,7 @@ Credentials withPassword(Credentials credentials, const Options& options) {
 std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials) {
   Location parsed = parseLocation(location);
   const Options options = readOptions(kOptionGroup, standardOptionFiles());
-  return std::make_unique<MariaDbEngine>(std::move(parsed), withPassword(credentials, options),
+  return std::make_unique<MariaDbEngine>(std::move(parsed), completed(credentials, options),
                                          encryptionOf(options));
 }
 

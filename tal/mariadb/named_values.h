@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "tal/failure.h"
 #include "tal/sql/row.h"
 
 namespace tal::mariadb {
@@ -20,6 +21,14 @@ class NamedValues {
   [[nodiscard]] std::int64_t operator[](std::string_view name) const {
     const auto value = values_.find(name);
     return value == values_.end() ? 0 : value->second;
+  }
+
+  // Throws Failure(kServerError) for a figure that every server has and this answer lacks: an
+  // answer without rows must not look like a server that does nothing.
+  [[nodiscard]] std::int64_t needed(std::string_view name) const {
+    const auto value = values_.find(name);
+    if (value == values_.end()) throw Failure(Status::kServerError);
+    return value->second;
   }
 
  private:

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <set>
 
 namespace tal::mariadb {
 namespace {
@@ -14,7 +15,6 @@ namespace fs = std::filesystem;
 constexpr std::string_view kBlanks = " \t\r\f\v";
 constexpr std::string_view kInclude = "!include ";
 constexpr std::string_view kIncludeFolder = "!includedir ";
-constexpr int kDeepestInclude = 10;  // files that include one another must end somewhere
 
 std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(kBlanks);
@@ -141,18 +141,30 @@ class LineReader {
   bool inGroup_ = false;
 };
 
-void readFile(const fs::path& file, std::string_view group, int depth, Options& options) {
-  const auto text = textOf(file);
-  if (!text || depth > kDeepestInclude) return;
+// Reads a file with what it includes. Each file is read once, for files that include one another
+// would never end, or only after all ways through them.
+class FileReader {
+ public:
+  FileReader(std::string_view group, Options& options) : group_(group), options_(options) {}
 
-  LineReader reader(group, options);
-  for (const std::string_view line : linesOf(*text)) {
-    if (!line.starts_with('!')) reader.take(line);
-    for (const fs::path& included : includedBy(line)) {
-      readFile(included, group, depth + 1, options);
+  void read(const fs::path& file) {
+    std::error_code error;
+    if (!read_.insert(fs::canonical(file, error)).second || error) return;
+    const auto text = textOf(file);
+    if (!text) return;
+
+    LineReader reader(group_, options_);
+    for (const std::string_view line : linesOf(*text)) {
+      if (!line.starts_with('!')) reader.take(line);
+      for (const fs::path& included : includedBy(line)) read(included);
     }
   }
-}
+
+ private:
+  std::string_view group_;
+  Options& options_;
+  std::set<fs::path> read_;
+};
 
 }  // namespace
 
@@ -166,7 +178,7 @@ std::vector<fs::path> standardOptionFiles() {
 
 Options readOptions(std::string_view group, const std::vector<fs::path>& files) {
   Options options;
-  for (const fs::path& file : files) readFile(file, group, 0, options);
+  for (const fs::path& file : files) FileReader(group, options).read(file);
   return options;
 }
 

@@ -17,8 +17,9 @@ using Options = std::map<std::string, std::string, std::less<>>;
 std::vector<std::filesystem::path> standardOptionFiles();
 
 // The options of one group. A later file or line overrides an earlier one. "!include" and
-// "!includedir" are followed where they stand. Files that cannot be read are skipped, and so are
-// those that everyone may write, as the client programs do.
+// "!includedir" are followed where they stand, for each of `files` at the first mention of a file.
+// Files that cannot be read are skipped, and so are those that everyone may write, as the client
+// programs do.
 Options readOptions(std::string_view group, const std::vector<std::filesystem::path>& files);
 
 }  // namespace tal::mariadb

@@ -42,6 +42,7 @@ constexpr auto kRows = std::to_array<Row>({
     {ER_NOT_SUPPORTED_AUTH_MODE,         Status::kLoginRefused              },
     {CR_AUTH_PLUGIN_CANNOT_LOAD,         Status::kLoginRefused              },
     {CR_AUTH_PLUGIN_ERR,                 Status::kLoginRefused              },
+    {CR_PLUGIN_NOT_ALLOWED,              Status::kLoginRefused              },
     {ER_MUST_CHANGE_PASSWORD,            Status::kPasswordExpired           },
     {ER_MUST_CHANGE_PASSWORD_LOGIN,      Status::kPasswordExpired           },
     {ER_ACCOUNT_HAS_BEEN_LOCKED,         Status::kAccountLocked             },

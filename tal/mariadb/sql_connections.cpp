@@ -26,7 +26,8 @@ struct Process {
 
 struct ThreadFacts {
   std::optional<std::string> ip;
-  double pastMicroseconds = 0;  // all that it has done and waited for, but for its present command
+  // All that it has done and waited for, but for its present command; none if it is not measured.
+  std::optional<double> pastMicroseconds;
 };
 
 // What a client tells of itself when it connects.
@@ -55,6 +56,10 @@ void addWord(ClientWords& words, const sql::RowSource& row) {
       sql::text(row, kDetail);
 }
 
+void addPast(ThreadFacts& facts, std::int64_t microseconds) {
+  facts.pastMicroseconds = facts.pastMicroseconds.value_or(0) + static_cast<double>(microseconds);
+}
+
 void addPart(Parts& parts, const sql::RowSource& row) {
   const std::int64_t key = sql::integer(row, kKey);
   const std::string part = sql::text(row, kPart);
@@ -65,7 +70,7 @@ void addPart(Parts& parts, const sql::RowSource& row) {
   } else if (part == "S") {
     parts.threads.ofThread(key).ip = sql::text(row, kAddress);
   } else if (part == "D") {
-    parts.threads.ofThread(key).pastMicroseconds += static_cast<double>(sql::integer(row, kNumber));
+    if (row.cell(kNumber)) addPast(parts.threads.ofThread(key), sql::integer(row, kNumber));
   } else if (part == "A") {
     addWord(parts.words[key], row);
   }
@@ -82,10 +87,12 @@ std::string applicationOf(const Parts& parts, std::int64_t connection) {
   return words->second.program.empty() ? words->second.library : words->second.program;
 }
 
-// The server has no time of connecting; what it has measured since then adds up to it.
-std::uint32_t totalSeconds(const ThreadFacts& facts, std::int64_t periodMs) {
+// The server has no time of connecting; what it has measured since then adds up to it. 0 where it
+// does not measure.
+std::uint32_t totalSeconds(const ThreadFacts* facts, std::int64_t periodMs) {
+  if (facts == nullptr || !facts->pastMicroseconds) return 0;
   constexpr double kLongest = 4294967295.0;
-  const double seconds = facts.pastMicroseconds / 1e6 + static_cast<double>(periodMs) / 1e3;
+  const double seconds = *facts->pastMicroseconds / 1e6 + static_cast<double>(periodMs) / 1e3;
   return static_cast<std::uint32_t>(std::clamp(seconds, 0.0, kLongest));
 }
 
@@ -101,7 +108,7 @@ SqlConnection connectionOf(const Process& process, Parts& parts) {
   result.userName = process.user;
   result.status = statusOf(process.command);
   result.periodMs = sql::clampUnsigned(process.periodMs);
-  result.totalTime = facts == nullptr ? 0 : totalSeconds(*facts, process.periodMs);
+  result.totalTime = totalSeconds(facts, process.periodMs);
   return result;
 }
 

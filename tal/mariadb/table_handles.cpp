@@ -16,8 +16,10 @@ Storage storageOf(const TableUse& use, const TableFiles& files) {
   return files.file(indexes.front()).isInnodb ? Storage::kInnodb : Storage::kOther;
 }
 
+// The modes tell transactional tables from others, which a table without files keeps to itself.
 std::uint8_t openModeOf(const TableUse& use, Storage storage) {
-  const bool transactional = storage != Storage::kOther;
+  if (storage == Storage::kUnknown) return open_mode::kUnknown;
+  const bool transactional = storage == Storage::kInnodb;
   switch (use.granted ? *use.granted : use.pending.value_or(Strength::kRead)) {
     case Strength::kExclusive:
       return transactional ? open_mode::kExclusive : open_mode::kExclusiveNonTransactional;
@@ -39,8 +41,8 @@ std::uint8_t rowLocksOf(const Transaction& transaction) {
 }
 
 // The server tells how many rows a transaction has locked, not in which tables. When it has locked
-// all tables that it uses, they share the answer; otherwise the tables that it only reads are taken
-// to have no locked rows.
+// all tables that it uses, they share the answer; otherwise, and beside a table that may or may not
+// be InnoDB's, the tables that it only reads are taken to have no locked rows.
 std::uint8_t recordLockTypeOf(const TableUse& use, Storage storage, bool locksAllItsTables) {
   if (storage == Storage::kOther || !use.owner.transaction || !use.granted) {
     return record_lock::kNone;
@@ -77,7 +79,9 @@ Uses endOfConnection(Uses first, Uses last) {
 }
 
 bool locksAllTables(Uses first, Uses last, const TableFiles& files) {
-  if (!first->owner.transaction) return false;
+  const bool allAreKnown = std::all_of(
+      first, last, [&](const TableUse& use) { return storageOf(use, files) != Storage::kUnknown; });
+  if (!first->owner.transaction || !allAreKnown) return false;
   const auto tables = std::count_if(first, last, [&](const TableUse& use) {
     return use.granted && storageOf(use, files) == Storage::kInnodb;
   });

@@ -14,7 +14,7 @@ std::int64_t wholeMegabytes(std::int64_t bytes) {
 
 Gauge workerThreads(const NamedValues& values, sql::Peak& peak) {
   if (hasThreadPool(values)) return poolThreads(values, peak);
-  return peak.sample(values["THREADS_CONNECTED"] + values["THREADS_CACHED"]);
+  return peak.sample(sql::saturatingSum(values["THREADS_CONNECTED"], values["THREADS_CACHED"]));
 }
 
 }  // namespace
@@ -23,8 +23,9 @@ Usage UsageReader::read(sql::RowSource& rows) {
   const NamedValues values(rows);
   Usage usage;
   usage.users = connections(values);
-  usage.files = files_.sample(values["OPEN_FILES"] + values["INNODB_NUM_OPEN_FILES"],
-                              values["OPEN_FILES_LIMIT"]);
+  usage.files =
+      files_.sample(sql::saturatingSum(values["OPEN_FILES"], values["INNODB_NUM_OPEN_FILES"]),
+                    values["OPEN_FILES_LIMIT"]);
   usage.handles = handles_.sample(values["OPEN_TABLES"], values["TABLE_OPEN_CACHE"]);
   usage.transactions = transactions_.sample(values["x_transactions"]);
   usage.clients = connections(values);
@@ -32,7 +33,7 @@ Usage UsageReader::read(sql::RowSource& rows) {
   usage.locks = locks_.sample(values["x_locks"]);
   usage.dataMb = dataMb_.sample(wholeMegabytes(values["x_data_bytes"]));
   usage.sessions = connections(values);
-  usage.upTimeSeconds = sql::clampUnsigned(values["UPTIME"]);
+  usage.upTimeSeconds = sql::clampUnsigned(values.needed("UPTIME"));
   return usage;
 }
 

@@ -3,6 +3,7 @@
 #include <poll.h>
 
 #include "tal/failure.h"
+#include "tal/postgresql/answer_limit.h"
 #include "tal/postgresql/errors.h"
 #include "tal/sql/wait.h"
 
@@ -14,8 +15,10 @@ bool isError(const PGresult* result) {
   return status != PGRES_TUPLES_OK && status != PGRES_COMMAND_OK;
 }
 
-bool endsSession(Status status) {
-  return status == Status::kNoAnswer || status == Status::kConnectionLost;
+// Such a result comes again and again until the copying is over; no statement of ours copies.
+bool isCopy(const PGresult* result) {
+  const ExecStatusType status = PQresultStatus(result);
+  return status == PGRES_COPY_IN || status == PGRES_COPY_OUT || status == PGRES_COPY_BOTH;
 }
 
 }  // namespace
@@ -30,7 +33,8 @@ std::optional<std::string_view> ResultRows::cell(std::size_t column) const {
                           static_cast<std::size_t>(PQgetlength(result_.get(), row_, number)));
 }
 
-Connection::Connection(ConnectionHandle session) : session_(std::move(session)) {
+Connection::Connection(ConnectionHandle session)
+    : session_(std::move(session)), serverVersion_(PQserverVersion(session_.get())) {
   // A server that no longer reads must not hold up the sending either.
   PQsetnonblocking(session_.get(), 1);
 }
@@ -42,7 +46,9 @@ ResultRows Connection::run(const Statement& statement, const sql::Deadline& dead
     if (!prepared_.contains(statement.name)) prepare(statement, limit);
     return ResultRows(execute(statement, limit));
   } catch (const Failure& failure) {
-    if (endsSession(failure.status())) session_.reset();
+    // What is left of an answer would be taken for the next one.
+    const bool isAnswered = PQtransactionStatus(session_.get()) == PQTRANS_IDLE;
+    if (!isAnswered || failure.status() == Status::kConnectionLost) session_.reset();
     throw;
   }
 }
@@ -62,30 +68,35 @@ ResultHandle Connection::execute(const Statement& statement, const sql::Deadline
 // The first error is the server's own; those that follow it tell only that the session is gone.
 ResultHandle Connection::collect(bool sent, const sql::Deadline& deadline) {
   if (!sent) throw Failure(reasonOf(nullptr));
-  flush(deadline);
+  const AnswerLimit limit(session_.get());
+  flush(deadline, limit);
 
   ResultHandle kept;
-  while (ResultHandle result = nextResult(deadline)) {
+  while (ResultHandle result = nextResult(deadline, limit)) {
+    if (isCopy(result.get())) throw Failure(Status::kServerError);
+    if (deadline.passed()) throw Failure(Status::kNoAnswer);
     if (!kept || !isError(kept.get())) kept = std::move(result);
   }
   if (!kept || isError(kept.get())) throw Failure(reasonOf(kept.get()));
   return kept;
 }
 
-void Connection::flush(const sql::Deadline& deadline) {
+void Connection::flush(const sql::Deadline& deadline, const AnswerLimit& limit) {
   for (;;) {
     const int pending = PQflush(session_.get());
     // A failed sending shows its reason when the answer is read.
     if (pending <= 0) return;
     sql::waitForSocket(PQsocket(session_.get()), POLLIN | POLLOUT, deadline);
     if (PQconsumeInput(session_.get()) == 0) return;
+    limit.check();
   }
 }
 
-ResultHandle Connection::nextResult(const sql::Deadline& deadline) {
+ResultHandle Connection::nextResult(const sql::Deadline& deadline, const AnswerLimit& limit) {
   while (PQisBusy(session_.get()) == 1) {
     sql::waitForSocket(PQsocket(session_.get()), POLLIN, deadline);
     if (PQconsumeInput(session_.get()) == 0) break;
+    limit.check();
   }
   return ResultHandle(PQgetResult(session_.get()));
 }

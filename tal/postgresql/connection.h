@@ -6,7 +6,9 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "tal/postgresql/answer_limit.h"
 #include "tal/postgresql/handles.h"
 #include "tal/postgresql/statements.h"
 #include "tal/sql/deadline.h"
@@ -33,23 +35,28 @@ class Connection {
  public:
   explicit Connection(ConnectionHandle session);
 
-  // As the server gives it, 150020 for 15.20.
-  [[nodiscard]] int serverVersion() const { return PQserverVersion(session_.get()); }
+  // As the server gave it at login, 150020 for 15.20.
+  [[nodiscard]] int serverVersion() const { return serverVersion_; }
+
+  // Whether a failure has left the session in order.
+  [[nodiscard]] bool isOpen() const { return session_ != nullptr; }
 
   // Runs a statement, preparing it when it is new here; waits no longer than kStatementLimit and
-  // `deadline`. Throws Failure with the first error of the server, or kNoAnswer. After kNoAnswer or
-  // kConnectionLost the session is closed and every further call throws kConnectionLost.
+  // `deadline`. Throws Failure with the first error of the server, kNoAnswer, or kServerError for
+  // an answer above kAnswerLimit. When no complete answer came, and after kConnectionLost, the
+  // session is closed and every further call throws kConnectionLost.
   ResultRows run(const Statement& statement, const sql::Deadline& deadline);
 
  private:
   void prepare(const Statement& statement, const sql::Deadline& deadline);
   ResultHandle execute(const Statement& statement, const sql::Deadline& deadline);
   ResultHandle collect(bool sent, const sql::Deadline& deadline);
-  void flush(const sql::Deadline& deadline);
-  ResultHandle nextResult(const sql::Deadline& deadline);
+  void flush(const sql::Deadline& deadline, const AnswerLimit& limit);
+  ResultHandle nextResult(const sql::Deadline& deadline, const AnswerLimit& limit);
   [[nodiscard]] Status reasonOf(const PGresult* result) const;
 
   ConnectionHandle session_;
+  int serverVersion_;
   std::set<std::string> prepared_;
 };
 

@@ -18,7 +18,7 @@ constexpr Row kRows[] = {
     {"3D000", Status::kUnknownDatabase }, //
     {"42501", Status::kPrivilegeMissing}, //
     {"53300", Status::kNoConnectionSlot}, // also the account's own limit
-    {"55P03", Status::kCatalogLocked   }, // lock_timeout; no statement needs a user's table
+    {"55P03", Status::kCatalogLocked   }, // lock_timeout
     {"57014", Status::kNoAnswer        }, // statement_timeout
     {"57P01", Status::kConnectionLost  }, // terminated by the administrator, shutdown
     {"57P02", Status::kConnectionLost  }, // crash of another session

@@ -4,15 +4,12 @@
 
 #include "tal/failure.h"
 #include "tal/sql/address.h"
+#include "tal/text.h"
 
 namespace tal::postgresql {
 namespace {
 
 constexpr std::string_view kDefaultDatabase = "postgres";
-
-bool isControl(char character) {
-  return (character >= '\0' && character < ' ') || character == '\x7f';
-}
 
 // The text before the first `separator`, and the text after it.
 struct Halves {
@@ -42,7 +39,7 @@ Location parseSocket(std::string_view text) {
 }  // namespace
 
 Location parseLocation(std::string_view text) {
-  if (std::ranges::any_of(text, isControl)) throw Failure(Status::kBadServerName);
+  if (std::ranges::any_of(text, &isControl)) throw Failure(Status::kBadServerName);
   if (text.starts_with('/')) return parseSocket(text);
 
   const auto [hostAndPort, database] = splitAt(text, '/');

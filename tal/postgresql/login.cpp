@@ -1,10 +1,6 @@
 #include "tal/postgresql/login.h"
 
-#include <pwd.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -13,18 +9,10 @@
 #include "tal/postgresql/login_attempt.h"
 #include "tal/postgresql/parameters.h"
 #include "tal/sql/resolve.h"
+#include "tal/sql/system_user.h"
 
 namespace tal::postgresql {
 namespace {
-
-std::string systemUser() {
-  std::array<char, 16384> buffer{};
-  passwd entry{};
-  passwd* found = nullptr;
-  ::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found);
-  if (found == nullptr) throw Failure(Status::kLoginRefused);
-  return found->pw_name;
-}
 
 bool mayWorkElsewhere(Status status) {
   return status == Status::kCannotReach || status == Status::kNoAnswer;
@@ -52,7 +40,7 @@ ConnectionHandle login(const Location& location, const Credentials& credentials,
                 .address = {},
                 .port = location.port,
                 .database = location.database,
-                .user = credentials.user.empty() ? systemUser() : credentials.user,
+                .user = credentials.user.empty() ? sql::systemUser() : credentials.user,
                 .password = credentials.password,
                 .requireTls = false};
   if (location.isSocket()) return connectTo(target, deadline);

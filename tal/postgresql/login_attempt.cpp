@@ -9,6 +9,8 @@
 #include <string_view>
 
 #include "tal/failure.h"
+#include "tal/postgresql/answer_limit.h"
+#include "tal/postgresql/environment.h"
 #include "tal/postgresql/errors.h"
 #include "tal/sql/wait.h"
 
@@ -45,6 +47,12 @@ Status reasonOf(const PGconn* connection, const Progress& progress, bool require
   return inTls && !progress.leftInTls ? Status::kTlsFailed : Status::kConnectionLost;
 }
 
+// Any step may be the one that sends the session's settings.
+PostgresPollingStatusType poll(PGconn* connection) {
+  const WithoutSessionVariables guard;
+  return PQconnectPoll(connection);
+}
+
 ConnectionHandle startConnecting(const Target& target) {
   ConnectionHandle connection(PQconnectStart(connectionString(target).c_str()));
   if (!connection) throw std::bad_alloc();
@@ -58,12 +66,14 @@ ConnectionHandle startConnecting(const Target& target) {
 
 ConnectionHandle connectTo(const Target& target, const sql::Deadline& deadline) {
   ConnectionHandle connection = startConnecting(target);
+  const AnswerLimit limit(connection.get());
   PostgresPollingStatusType next = PGRES_POLLING_WRITING;
   while (next != PGRES_POLLING_OK) {
     const short event = next == PGRES_POLLING_READING ? POLLIN : POLLOUT;
     sql::waitForSocket(PQsocket(connection.get()), event, deadline);
     const Progress progress = progressOf(connection.get());
-    next = PQconnectPoll(connection.get());
+    next = poll(connection.get());
+    limit.check();
     if (next == PGRES_POLLING_FAILED) {
       throw Failure(reasonOf(connection.get(), progress, target.requireTls));
     }

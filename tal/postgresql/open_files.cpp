@@ -45,10 +45,11 @@ FileHandle handleIn(const sql::RowSource& row) {
           .clientName = sql::text(row, kClientName)};
 }
 
-// Dots are legal in the parts of a name, so two relations can have the same.
-void makeUnique(std::string& name, const std::string& relation,
-                std::unordered_set<std::string>& names) {
-  while (!names.insert(name).second) name += '#' + relation;
+// Dots are legal in the parts of a name, so two relations can have the same. Relations of several
+// databases can even have the same number: the layer above tells those apart.
+void distinguish(std::string& name, const std::string& relation,
+                 std::unordered_set<std::string>& names) {
+  if (!names.insert(name).second) name += '#' + relation;
 }
 
 }  // namespace
@@ -61,7 +62,7 @@ std::vector<OpenFile> readOpenFiles(sql::RowSource& rows) {
     const std::string relation = sql::text(rows, kRelation);
     const std::string key = sql::text(rows, kDatabase) + '/' + relation;
     const auto [found, isNew] = indexes.try_emplace(key, files.size());
-    if (isNew) makeUnique(files.emplace_back(fileIn(rows)).name, relation, names);
+    if (isNew) distinguish(files.emplace_back(fileIn(rows)).name, relation, names);
     files[found->second].handles.push_back(handleIn(rows));
   }
   return files;

@@ -18,7 +18,8 @@ struct Target {
 
 // The connection string for a target. It names every parameter that the client library would
 // otherwise take from an environment variable, empty ones too (which only this form can do), so
-// that a monitor does the same wherever it is started.
+// that a monitor does the same wherever it is started. The settings that the library sends beside
+// its parameters are left to WithoutSessionVariables.
 std::string connectionString(const Target& target);
 
 }  // namespace tal::postgresql

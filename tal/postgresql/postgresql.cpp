@@ -67,8 +67,20 @@ class PostgresqlEngine : public Engine {
     } catch (const Failure& failure) {
       if (failure.status() != Status::kCatalogLocked) throw;
     }
-    return connection_.run({"zelk_open_files_estimated", openFilesWithEstimatedSizes().c_str()},
-                           deadline);
+    return runEstimatedOpenFiles(deadline);
+  }
+
+  // Only locks on the catalog are left to wait for. When the server itself gave up waiting, it
+  // answered, and the session is in order.
+  ResultRows runEstimatedOpenFiles(const sql::Deadline& deadline) {
+    try {
+      return connection_.run({"zelk_open_files_estimated", openFilesWithEstimatedSizes().c_str()},
+                             deadline);
+    } catch (const Failure& failure) {
+      const bool gaveUp = failure.status() == Status::kNoAnswer && connection_.isOpen();
+      if (gaveUp) throw Failure(Status::kCatalogLocked);
+      throw;
+    }
   }
 
   Connection connection_;

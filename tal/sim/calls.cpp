@@ -62,27 +62,43 @@ std::optional<Call> callNamed(std::string_view name) {
   return found->call;
 }
 
+Calls::Calls(const std::vector<Fault>& faults) {
+  for (std::size_t place = 0; place < faults.size(); ++place) {
+    const Fault& fault = faults[place];
+    Numbers& numbers = faults_[indexOf(fault.call)][fault.refresh.value_or(0)];
+    numbers.try_emplace(fault.at.value_or(0), Ordered{place, fault.status});
+  }
+}
+
 Status Calls::count(Call call) {
   const auto [first, last] = listOf(call);
   if (call == first) {
     for (std::size_t at = indexOf(first); at <= indexOf(last); ++at) counters_[at].inRefresh = 0;
   }
-  ++counters_[indexOf(call)].inAll;
-  ++counters_[indexOf(call)].inRefresh;
-  for (const Fault& fault : faults_) {
-    if (fault.call == call && applies(fault)) return fault.status;
+  Counter& counter = counters_[indexOf(call)];
+  ++counter.inAll;
+  ++counter.inRefresh;
+
+  const Ordered* found = nullptr;
+  const std::uint64_t now = refresh(call);
+  for (const Ordered* const fault :
+       {faultAt(call, 0, 0), faultAt(call, 0, counter.inAll), faultAt(call, now, 0),
+        faultAt(call, now, counter.inRefresh)}) {
+    if (fault != nullptr && (found == nullptr || fault->place < found->place)) found = fault;
   }
-  return Status::kSuccess;
+  return found != nullptr ? found->status : Status::kSuccess;
 }
 
 std::uint64_t Calls::refresh(Call call) const noexcept {
   return std::max<std::uint64_t>(1, counters_[indexOf(listOf(call).first)].inAll);
 }
 
-bool Calls::applies(const Fault& fault) const noexcept {
-  const Counter& counter = counters_[indexOf(fault.call)];
-  if (!fault.refresh) return !fault.at || *fault.at == counter.inAll;
-  return *fault.refresh == refresh(fault.call) && (!fault.at || *fault.at == counter.inRefresh);
+const Calls::Ordered* Calls::faultAt(Call call, std::uint64_t refresh, std::uint64_t at) const {
+  const Refreshes& refreshes = faults_[indexOf(call)];
+  const auto numbers = refreshes.find(refresh);
+  if (numbers == refreshes.end()) return nullptr;
+  const auto fault = numbers->second.find(at);
+  return fault != numbers->second.end() ? &fault->second : nullptr;
 }
 
 }  // namespace tal::sim

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
-#include <utility>
+#include <unordered_map>
 #include <vector>
 
 #include "tal/engine.h"
@@ -22,7 +22,7 @@ std::optional<Call> callNamed(std::string_view name);
 // times it was made.
 class Calls {
  public:
-  explicit Calls(std::vector<Fault> faults) : faults_(std::move(faults)) {}
+  explicit Calls(const std::vector<Fault>& faults);
 
   // Counts the call and tells what is to be returned instead of an answer.
   Status count(Call call);
@@ -37,9 +37,18 @@ class Calls {
   };
   static constexpr std::size_t kCalls = static_cast<std::size_t>(Call::kFreeSQLConnectionsData) + 1;
 
-  [[nodiscard]] bool applies(const Fault& fault) const noexcept;
+  // A fault and its place in the scenario: of several that fit, the first one counts.
+  struct Ordered {
+    std::size_t place;
+    Status status;
+  };
+  // The first fault of each refresh and number of a call; 0 stands for every one.
+  using Numbers = std::unordered_map<std::uint64_t, Ordered>;
+  using Refreshes = std::unordered_map<std::uint64_t, Numbers>;
 
-  std::vector<Fault> faults_;
+  [[nodiscard]] const Ordered* faultAt(Call call, std::uint64_t refresh, std::uint64_t at) const;
+
+  std::array<Refreshes, kCalls> faults_;
   std::array<Counter, kCalls> counters_{};
 };
 

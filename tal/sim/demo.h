@@ -1,11 +1,10 @@
 // The built-in scenario.
 #pragma once
 
-#include <string_view>
-
 namespace tal::sim {
 
 // A small shop at work, in which every code of the interface occurs. Also what handle -1 serves.
-extern const std::string_view kDemo;
+// The text of demo.toml.
+extern const char kDemo[];
 
 }  // namespace tal::sim

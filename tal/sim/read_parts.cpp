@@ -15,11 +15,17 @@ std::uint32_t readRefresh(TableReader& table, std::string_view key, std::uint32_
 
 }  // namespace
 
-void ItemBudget::take(std::uint64_t items, std::uint64_t owners, int line) {
-  taken_ += items * owners;
-  if (taken_ > kItemLimit) {
+void ItemBudget::take(std::uint64_t items, std::uint64_t owners, std::uint64_t textBytes,
+                      int line) {
+  items_ += items * owners;
+  if (items_ > kItemLimit) {
     throw ScenarioError(line, "the scenario stands for more than " + std::to_string(kItemLimit) +
                                   " items; expected smaller counts");
+  }
+  bytes_ += items * owners * (kItemBytes + textBytes);
+  if (bytes_ > kByteLimit) {
+    throw ScenarioError(line, "the items take up more than " + std::to_string(kByteLimit) +
+                                  " bytes; expected smaller counts or shorter texts");
   }
 }
 
@@ -40,7 +46,7 @@ void readPresence(TableReader& table, Presence& presence, ItemBudget& budget,
   if (presence.until < presence.from) {
     table.refuseValue("until", "a number that is not below \"from\"");
   }
-  budget.take(presence.count.largest(), owners, table.line());
+  budget.take(presence.count.largest(), owners, table.textBytes(), table.line());
 }
 
 void readHandles(TableReader& owner, const Presence& ownerPresence, std::string_view nameKey,

@@ -10,24 +10,24 @@
 
 namespace tal::sim {
 
-// Items that a scenario may stand for in all, each entry counted at its largest.
-inline constexpr std::uint64_t kItemLimit = 10'000'000;
-
-// How many of them were announced while a scenario is read.
+// How many items were announced while a scenario is read, and what they take up.
 class ItemBudget {
  public:
-  // Throws ScenarioError for that line when the limit is exceeded. Neither factor is above the
-  // limit of a 32-bit count.
-  void take(std::uint64_t items, std::uint64_t owners, int line);
+  // Takes items with texts of so many bytes each. Throws ScenarioError for that line when
+  // kItemLimit or kByteLimit is exceeded. Neither `items` nor `owners` is above the limit of a
+  // 32-bit count.
+  void take(std::uint64_t items, std::uint64_t owners, std::uint64_t textBytes, int line);
 
  private:
-  std::uint64_t taken_ = 0;
+  std::uint64_t items_ = 0;
+  std::uint64_t bytes_ = 0;
 };
 
 // A table with the keys current, peak and maximum.
 void readGauge(TableReader& table, std::string_view key, GaugeValues& gauge);
 
-// The keys count, from and until; the items are taken from the budget, `owners` times.
+// The keys count, from and until; the items are taken from the budget, `owners` times. To be read
+// after the texts of the table, which are counted too.
 void readPresence(TableReader& table, Presence& presence, ItemBudget& budget,
                   std::uint64_t owners = 1);
 

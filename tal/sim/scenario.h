@@ -11,6 +11,14 @@
 
 namespace tal::sim {
 
+// Items that a scenario may stand for in all, each entry counted at its largest, and the bytes that
+// they may take up in all.
+inline constexpr std::uint64_t kItemLimit = 10'000'000;
+inline constexpr std::uint64_t kByteLimit = 4ULL << 30U;
+
+// What an item takes up beside its texts, the largest kind taken for all.
+inline constexpr std::uint64_t kItemBytes = 256;
+
 // How many items an entry stands for, and in which refreshes.
 struct Presence {
   Number<std::uint32_t> count{1};

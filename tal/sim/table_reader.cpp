@@ -13,7 +13,10 @@ TableReader::TableReader(const Node& table, std::string where)
     : TableReader(std::get<Node::Table>(table.value), table.line, std::move(where)) {}
 
 void TableReader::read(std::string_view key, Text& text) {
-  if (const Member* const member = take(key)) text = Text(textsOf(*member, Forms::kByRefresh));
+  const Member* const member = take(key);
+  if (member == nullptr) return;
+  text = Text(textsOf(*member, Forms::kByRefresh));
+  textBytes_ += text.longest(kItemLimit);
 }
 
 std::optional<std::int64_t> TableReader::number(std::string_view key, std::int64_t lowest,

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -28,6 +29,9 @@ class TableReader {
   TableReader(const Node& table, std::string where);
 
   [[nodiscard]] int line() const noexcept { return line_; }
+
+  // Bytes that the texts read so far take up together in one item, each at its longest.
+  [[nodiscard]] std::size_t textBytes() const noexcept { return textBytes_; }
 
   template <std::integral Field>
   void read(std::string_view key, Number<Field>& number, Words words = {},
@@ -68,6 +72,7 @@ class TableReader {
   const Node::Table* table_;
   int line_;
   std::string where_;
+  std::size_t textBytes_ = 0;
   std::vector<std::string_view> asked_;
 };
 

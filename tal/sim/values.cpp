@@ -65,4 +65,12 @@ std::string Text::at(const Place& place) const {
   return text.find('{') == std::string::npos ? text : expanded(text, place);
 }
 
+std::size_t Text::longest(std::uint64_t items) const {
+  std::size_t longest = 0;
+  for (std::uint64_t refresh = 1; refresh <= values_.size(); ++refresh) {
+    longest = std::max(longest, at({refresh, items, items}).size());
+  }
+  return longest;
+}
+
 }  // namespace tal::sim

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -72,6 +73,9 @@ class Text {
   explicit Text(std::vector<std::string> values) : values_(std::move(values)) {}
 
   [[nodiscard]] std::string at(const Place& place) const;
+
+  // Bytes of the longest text up to item and owner number `items`, whatever the refresh.
+  [[nodiscard]] std::size_t longest(std::uint64_t items) const;
 
  private:
   std::vector<std::string> values_;

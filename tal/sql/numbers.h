@@ -20,6 +20,14 @@ constexpr std::int32_t clampMaximum(std::int64_t value) noexcept {
   return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, 0, kLargest));
 }
 
+// What a server sends is not trusted not to overflow.
+constexpr std::int64_t saturatingSum(std::int64_t left, std::int64_t right) noexcept {
+  std::int64_t sum = 0;
+  if (!__builtin_add_overflow(left, right, &sum)) return sum;
+  return left < 0 ? std::numeric_limits<std::int64_t>::min()
+                  : std::numeric_limits<std::int64_t>::max();
+}
+
 // Whole kilobytes that hold `bytes`.
 constexpr std::uint32_t kilobytes(std::int64_t bytes) noexcept {
   return clampUnsigned(bytes / 1024 + (bytes % 1024 > 0 ? 1 : 0));

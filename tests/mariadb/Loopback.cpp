@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <array>
 #include <system_error>
 #include <utility>
 
@@ -34,12 +35,6 @@ std::uint16_t portOf(const FileDescriptor& socket) {
   return ntohs(address.sin_port);
 }
 
-void sayOnce(int listener, const std::string& sentence) {
-  const FileDescriptor visitor(::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC));
-  if (visitor.number() >= 0)
-    ::send(visitor.number(), sentence.data(), sentence.size(), MSG_NOSIGNAL);
-}
-
 }  // namespace
 
 std::uint16_t freePort() { return portOf(boundSocket()); }
@@ -49,12 +44,29 @@ SilentListener::SilentListener() : listener_(boundSocket()), port_(portOf(listen
 }
 
 ForeignListener::ForeignListener(std::string sentence)
-    : thread_(sayOnce, listener_.number(), std::move(sentence)) {}
+    : thread_([this, sentence = std::move(sentence)] { serve(sentence); }) {}
+
+void ForeignListener::serve(const std::string& sentence) {
+  const FileDescriptor visitor(::accept4(listener_.number(), nullptr, nullptr, SOCK_CLOEXEC));
+  if (!visitor.isOpen()) return;
+  ::send(visitor.number(), sentence.data(), sentence.size(), MSG_NOSIGNAL);
+  ::shutdown(visitor.number(), SHUT_WR);
+
+  std::array<char, 512> buffer{};
+  for (ssize_t size = 0; (size = ::recv(visitor.number(), buffer.data(), buffer.size(), 0)) > 0;) {
+    heard_.append(buffer.data(), static_cast<std::size_t>(size));
+  }
+}
+
+const std::string& ForeignListener::heard() {
+  if (thread_.joinable()) thread_.join();
+  return heard_;
+}
 
 ForeignListener::~ForeignListener() {
   // Wakes the thread if nobody has visited.
   ::shutdown(listener_.number(), SHUT_RDWR);
-  thread_.join();
+  if (thread_.joinable()) thread_.join();
 }
 
 }  // namespace mariadb_testing

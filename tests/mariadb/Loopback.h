@@ -26,7 +26,7 @@ class SilentListener {
   std::uint16_t port_ = 0;
 };
 
-// Says one sentence to its first visitor and hangs up.
+// Says one sentence to its first visitor, and listens until that hangs up.
 class ForeignListener : public SilentListener {
  public:
   explicit ForeignListener(std::string sentence);
@@ -34,7 +34,13 @@ class ForeignListener : public SilentListener {
   ForeignListener& operator=(const ForeignListener&) = delete;
   ~ForeignListener();
 
+  // What the visitor has said; waits until it has hung up.
+  const std::string& heard();
+
  private:
+  void serve(const std::string& sentence);
+
+  std::string heard_;
   std::thread thread_;
 };
 

@@ -4,10 +4,8 @@
 #include <limits>
 
 #include "tal/mariadb/clients.h"
-#include "tal/mariadb/communication.h"
 #include "tal/mariadb/open_files.h"
 #include "tal/mariadb/sql_connections.h"
-#include "tal/mariadb/usage.h"
 #include "tests/sql/Table.h"
 
 namespace tal::mariadb {
@@ -20,111 +18,6 @@ const std::vector<DataFile> kNoFiles;
 const ServerFacts kFacts{
     .innodbReadOnly = false, .networking = true, .ariaBlockSize = 8192, .myisamBlockSize = 1024};
 
-std::string text(const Gauge& gauge) {
-  return std::to_string(gauge.current) + "/" + std::to_string(gauge.peak) + "/" +
-         std::to_string(gauge.maximum);
-}
-
-TEST(UsageReaderTest, EachFigureHasItsPlace) {
-  UsageReader reader;
-  Table rows({
-      {"UPTIME",                  "77"     },
-      {"THREADS_CONNECTED",       "5"      },
-      {"THREADS_CACHED",          "3"      },
-      {"MAX_USED_CONNECTIONS",    "9"      },
-      {"MAX_CONNECTIONS",         "151"    },
-      {"OPEN_FILES",              "40"     },
-      {"INNODB_NUM_OPEN_FILES",   "60"     },
-      {"OPEN_FILES_LIMIT",        "1024"   },
-      {"OPEN_TABLES",             "12"     },
-      {"TABLE_OPEN_CACHE",        "2000"   },
-      {"THREADPOOL_THREADS",      "8"      },
-      {"THREAD_POOL_MAX_THREADS", "65536"  },
-      {"x_thread_pool",           "0"      },
-      {"x_transactions",          "2"      },
-      {"x_locks",                 "31"     },
-      {"x_data_bytes",            "1048577"}
-  });
-
-  const Usage usage = reader.read(rows);
-
-  EXPECT_EQ(text(usage.users), "5/9/151");
-  EXPECT_EQ(text(usage.files), "100/100/1024");
-  EXPECT_EQ(text(usage.handles), "12/12/2000");
-  EXPECT_EQ(text(usage.transactions), "2/2/0");
-  EXPECT_EQ(text(usage.clients), "5/9/151");
-  EXPECT_EQ(text(usage.workerThreads), "8/8/0");
-  EXPECT_EQ(text(usage.locks), "31/31/0");
-  EXPECT_EQ(text(usage.dataMb), "2/2/0");
-  EXPECT_EQ(text(usage.sessions), "5/9/151");
-  EXPECT_EQ(usage.upTimeSeconds, 77U);
-}
-
-TEST(UsageReaderTest, ThreadPoolAndPeaks) {
-  UsageReader reader;
-  Table first({
-      {"x_thread_pool",           "1"  },
-      {"THREADPOOL_THREADS",      "8"  },
-      {"OPEN_TABLES",             "90" },
-      {"THREAD_POOL_MAX_THREADS", "500"}
-  });
-  Table second({
-      {"x_thread_pool",           "1"  },
-      {"THREADPOOL_THREADS",      "6"  },
-      {"OPEN_TABLES",             "7"  },
-      {"THREAD_POOL_MAX_THREADS", "500"}
-  });
-  reader.read(first);
-
-  const Usage usage = reader.read(second);
-
-  EXPECT_EQ(text(usage.workerThreads), "6/8/500");
-  EXPECT_EQ(text(usage.handles), "7/90/0");
-}
-
-TEST(UsageReaderTest, FlushedPeakIsNotBelowThePresent) {
-  UsageReader reader;
-  Table rows({
-      {"THREADS_CONNECTED",    "5"},
-      {"MAX_USED_CONNECTIONS", "4"}
-  });
-
-  EXPECT_EQ(text(reader.read(rows).sessions), "5/5/0");
-}
-
-TEST(CommunicationReaderTest, EachFigureHasItsPlace) {
-  CommunicationReader reader;
-  Table rows({
-      {"QUESTIONS",            "9999999999"},
-      {"THREADS_CONNECTED",    "5"         },
-      {"MAX_USED_CONNECTIONS", "9"         },
-      {"ABORTED_CLIENTS",      "4"         },
-      {"MAX_CONNECTIONS",      "151"       },
-      {"x_tcp_sessions",       "3"         },
-      {"x_tcp_requests",       "1234"      }
-  });
-
-  const Communication result = reader.read(rows, true);
-
-  EXPECT_EQ(result.requests, kLargest);
-  EXPECT_EQ(text(result.remoteSessions), "3/3/151");
-  EXPECT_EQ(text(result.threads), "5/9/151");
-  EXPECT_EQ(result.timeouts, 4U);
-  EXPECT_EQ(result.recoveries, 0U);
-  ASSERT_EQ(result.protocols.size(), 1U);
-  EXPECT_EQ(result.protocols[0].code, kTcpIpProtocol);
-  EXPECT_EQ(result.protocols[0].requests, 1234U);
-  EXPECT_EQ(result.protocols[0].currentSessions, 3U);
-  EXPECT_EQ(result.protocols[0].peakSessions, 3U);
-}
-
-TEST(CommunicationReaderTest, NoProtocolWithoutNetworking) {
-  CommunicationReader reader;
-  Table rows({});
-
-  EXPECT_TRUE(reader.read(rows, false).protocols.empty());
-}
-
 TEST(DataFilesTest, BothPartsMeetByPath) {
   Table rows({
       {"F", "/d/db/t.ibd",         "wait/io/file/innodb/innodb_data_file", {},  {},      {},      "db", "t"      },
@@ -133,7 +26,9 @@ TEST(DataFilesTest, BothPartsMeetByPath) {
       {"F", "/d/ddl_recovery.log", "wait/io/file/sql/global_ddl_log",      {},  {},      {},      "d",  "ddl"    },
       {"F", "/d/ibdata1",          "wait/io/file/innodb/innodb_data_file", {},  {},      {},      "d",  "ibdata1"},
       {"I", "/d/db/t.ibd",         {},                                     "5", "16384", "65537", "db", "t"      },
-      {"I", "/x/u.ibd",            {},                                     "6", "4096",  "1024",  "db", "u"      }
+      {"I", "/x/u.ibd",            {},                                     "6", "4096",  "1024",  "db", "u"      },
+      {"I", "/d/ibdata1",          {},                                     "0", "16384", "2048",  "d",  "ibdata1"},
+      {"I", "/d/undo001",          {},                                     "9", "16384", "4096",  "d",  "undo001"}
   });
 
   const std::vector<DataFile> files = decodeFiles(rows, kFacts);
@@ -149,8 +44,9 @@ TEST(DataFilesTest, BothPartsMeetByPath) {
             "/d/db/a.MAI db.a 0 -1 8192 0\n"
             "/d/db/m.MYI db.m 0 -1 1024 0\n"
             "/d/ddl_recovery.log - 0 -1 0 0\n"
-            "/d/ibdata1 - 1 -1 0 0\n"
-            "/x/u.ibd db.u 1 6 4096 1024\n");
+            "/d/ibdata1 - 1 0 16384 2048\n"
+            "/x/u.ibd db.u 1 6 4096 1024\n"
+            "/d/undo001 - 1 9 16384 4096\n");
 }
 
 TEST(OpenFilesTest, FlagsWithoutHandles) {
@@ -281,6 +177,23 @@ TEST(SqlConnectionsTest, PartsMeetByThreadAndConnection) {
   EXPECT_EQ(text(connections[0]), "near|db|prog|127.0.0.1|a|0|1500|4");
   EXPECT_EQ(text(connections[1]), "far||libx|far|b|2|4294967295|0");
   EXPECT_EQ(text(connections[2]), "localhost|||localhost|c|1|0|0");
+}
+
+TEST(SqlConnectionsTest, TimesThatAreNotMeasuredGiveNoTotal) {
+  Table rows({
+      {"P", "8",  "a", "near:1", {}, "Sleep", "9000"},
+      {"P", "9",  "b", "near:2", {}, "Sleep", "9000"},
+      {"T", "30", {},  {},       {}, {},      "8"   },
+      {"T", "31", {},  {},       {}, {},      "9"   },
+      {"D", "30", {},  {},       {}, {},      {}    },
+      {"D", "31", {},  {},       {}, {},      "0"   }
+  });
+
+  const std::vector<SqlConnection> connections = decodeSqlConnections(rows);
+
+  ASSERT_EQ(connections.size(), 2U);
+  EXPECT_EQ(connections[0].totalTime, 0U);
+  EXPECT_EQ(connections[1].totalTime, 9U);
 }
 
 }  // namespace

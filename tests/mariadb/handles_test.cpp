@@ -160,8 +160,8 @@ TEST_F(HandlesTest, TablesWithoutAFileAreSeenWithTheirClients) {
   locker.execute("LOCK TABLES memory WRITE");
   viewer.executeAll({"BEGIN", "SELECT * FROM view"});
 
-  expectClientHandles("app.memory", "locker (252, N, 0, 19)\n");
-  expectClientHandles("app.view", "viewer (254, N, 0, 2)\n");
+  expectClientHandles("app.memory", "locker (1, N, 0, 19)\n");
+  expectClientHandles("app.view", "viewer (1, N, 0, 2)\n");
 }
 
 TEST_F(HandlesTest, TemporaryAndCachedTablesAreNobodys) {

@@ -1,8 +1,10 @@
 // Logging in: who is let in, and what an administrator is told otherwise.
+#include <signal.h>
 #include <stdlib.h>
 
 #include <optional>
 
+#include "tal/sql/system_user.h"
 #include "tests/mariadb/Loopback.h"
 #include "tests/mariadb/ServerTest.h"
 #include "tests/support/temporary_folder.h"
@@ -92,6 +94,53 @@ TEST_F(LoginTest, SomethingElseThere) {
             Status::kCannotReach);
 }
 
+// A packet of the protocol.
+std::string packet(char number, const std::string& content) {
+  return std::string{static_cast<char>(content.size()), '\0', '\0', number} + content;
+}
+
+// The words of a server that asks at once for another way to log in.
+std::string greetingThatAsksFor(const std::string& way) {
+  using namespace std::string_literals;
+  const std::string salt(8, 's');
+  return packet(0, "\x0a"s + "5.5.5-10.11.9-MariaDB\0"s + "\7\0\0\0"s + salt + "\0"s + "\x00\xa2"s +
+                       "\x2d"s + "\2\0"s + "\x08\0"s + "\x15"s + std::string(10, '\0') +
+                       std::string(12, 's') + "\0"s + "mysql_native_password\0"s) +
+         packet(2, "\xfe"s + way + "\0"s);
+}
+
+TEST_F(LoginTest, PasswordIsGivenToNobodyWhoAsksForIt) {
+  for (const char* const way : {"mysql_clear_password", "dialog", "caching_sha2_password",
+                                "sha256_password", "mysql_old_password"}) {
+    ForeignListener server(greetingThatAsksFor(way));
+
+    EXPECT_EQ(statusOfLogin("127.0.0.1:" + std::to_string(server.port()), "zelk"),
+              Status::kLoginRefused)
+        << way;
+    const std::string& heard = server.heard();
+    EXPECT_NE(heard.find("zelk"), std::string::npos) << way;
+    EXPECT_EQ(heard.find("secret"), std::string::npos) << way;
+  }
+}
+
+TEST_F(LoginTest, NothingIsSaidToAServerThatDoesNotProveItself) {
+  writeOptions("[zelk]\nssl-verify-server-cert\n");
+  ForeignListener server(greetingThatAsksFor("mysql_clear_password"));
+
+  EXPECT_EQ(statusOfLogin("127.0.0.1:" + std::to_string(server.port()), "zelk"),
+            Status::kTlsFailed);
+  EXPECT_EQ(server.heard().find("secret"), std::string::npos);
+  EXPECT_EQ(server.heard().find("zelk"), std::string::npos);
+}
+
+TEST_F(LoginTest, NoUserIsTheOneWhoRunsTheProgram) {
+  ForeignListener server(greetingThatAsksFor("dialog"));
+
+  statusOfLogin("127.0.0.1:" + std::to_string(server.port()), "");
+
+  EXPECT_NE(server.heard().find(tal::sql::systemUser()), std::string::npos);
+}
+
 TEST_F(LoginTest, PasswordFromTheOptionFile) {
   writeOptions("[client]\npassword=wrong\nuser=nobody\n[zelk]\npassword=\"secret\"\n");
 
@@ -140,6 +189,19 @@ TEST_F(LoginTest, EncryptedSessionSurvivesItsLoss) {
   admin_.execute("KILL " + id);
 
   EXPECT_NE(engine->clients().back().id, id);
+}
+
+TEST_F(LoginTest, EncryptedSessionIsNotAwaitedForEver) {
+  writeOptions("[zelk]\nssl\n");
+  const auto engine = openEngine(server_);
+  ::kill(server_.process(), SIGSTOP);
+
+  const Status ofSession = statusOf([&] { engine->clients(); });
+  const Status ofLogin = statusOfLogin(locationOf(server_), "zelk");
+
+  ::kill(server_.process(), SIGCONT);
+  EXPECT_EQ(ofSession, Status::kNoAnswer);
+  EXPECT_EQ(ofLogin, Status::kNoAnswer);
 }
 
 }  // namespace

@@ -100,6 +100,23 @@ TEST_F(OptionFilesTest, IncludesAreReadWhereTheyStand) {
   }));
 }
 
+TEST_F(OptionFilesTest, RepeatedIncludesAreReadOnce) {
+  std::string includes;
+  for (const char* const name : {"a.cnf", "b.cnf", "c.cnf"}) {
+    includes += "!include " + (folder_ / name).string() + "\n";
+  }
+  includes += includes + includes + includes + "!includedir " + folder_.path().string() + "\n";
+  for (const char* const name : {"a.cnf", "b.cnf", "c.cnf"}) {
+    writeFile(folder_ / name, includes + "[zelk]\n" + name[0] + "=1\n");
+  }
+
+  EXPECT_EQ(optionsOf(includes), (Options{
+                                     {"a", "1"},
+                                     {"b", "1"},
+                                     {"c", "1"}
+  }));
+}
+
 TEST_F(OptionFilesTest, FilesThatEveryoneMayWriteAreSkipped) {
   writeFile(folder_ / "my.cnf", "[zelk]\npassword=planted\n");
   fs::permissions(folder_ / "my.cnf", fs::perms(0666));

@@ -154,12 +154,19 @@ TEST(TableHandlesTest, RecordLocksOfATransaction) {
 
 TEST(TableHandlesTest, OnlyTableOfATransactionHasItsLocks) {
   EXPECT_EQ(handlesIn({lockRow("1", "t", "SHARED_READ", "7", "1", "0"),
-                       lockRow("1", "m", "SHARED_WRITE", "7", "1", "0"),
-                       lockRow("1", "view", "SHARED_READ", "7", "1", "0")}),
+                       lockRow("1", "m", "SHARED_WRITE", "7", "1", "0")}),
             "1 m.MYD 248 78 0 0\n"
             "1 m.MYI 248 78 0 0\n"
-            "1 t.ibd 254 83 0 1019\n"
-            "1 view 254 0 0 2\n");
+            "1 t.ibd 254 83 0 1019\n");
+}
+
+TEST(TableHandlesTest, TableWithoutFilesLeavesOpenWhoseTheLocksAre) {
+  EXPECT_EQ(handlesIn({lockRow("1", "t", "SHARED_READ", "1", "1", "0"),
+                       lockRow("1", "view", "SHARED_READ", "1", "1", "0"),
+                       lockRow("1", "memory", "EXCLUSIVE", "1", "1", "0")}),
+            "1 memory 1 0 0 19\n"
+            "1 t.ibd 254 78 0 1019\n"
+            "1 view 1 0 0 2\n");
 }
 
 TEST(TableHandlesTest, TableThatIsOnlyAwaitedHasNoLockedRows) {
@@ -193,7 +200,7 @@ TEST(TableHandlesTest, WaitForATableLevelLockConcernsOtherEngines) {
 TEST(TableHandlesTest, NoLocksNoHandles) { EXPECT_EQ(handlesIn({}), ""); }
 
 TEST(TableHandlesTest, RowsOfNullsAreCarried) {
-  EXPECT_EQ(handlesIn({std::vector<Cell>(14), {"M"}, {}}), "0  0 78 2 0\n");
+  EXPECT_EQ(handlesIn({std::vector<Cell>(14), {"M"}, {}}), "0  1 78 2 0\n");
 }
 
 }  // namespace

@@ -68,6 +68,8 @@ std::string rows(const std::vector<std::vector<std::string>>& rows) {
   return text + message('C', terminated("SELECT 1")) + ready();
 }
 
+std::string copy(char type) { return message('2', "") + message(type, std::string(3, '\0')); }
+
 }  // namespace protocol
 
 namespace {

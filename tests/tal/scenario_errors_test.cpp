@@ -186,5 +186,18 @@ TEST(ScenarioErrors, StopAtTooManyItems) {
             "shop:1: the scenario stands for more than 10000000 items; expected smaller counts");
 }
 
+TEST(ScenarioErrors, StopAtTooManyBytes) {
+  const std::string name = "[[file]]\nname = ['f', '" + repeated("x", 1024 - 256) + "']\n";
+
+  EXPECT_EQ(problemOf(name + "count = 4194304\n"), "none");
+  EXPECT_EQ(problemOf(name + "count = 4194304\n[[client]]\nid = 'c'\n"),
+            "shop:4: the items take up more than 4294967296 bytes; expected smaller counts or "
+            "shorter texts");
+  EXPECT_EQ(problemOf("[[client]]\nid = 'c'\nhandle = [{ file = '" + repeated("{n}", 100) +
+                      "', count = 5000000 }]\n"),
+            "shop:3: the items take up more than 4294967296 bytes; expected smaller counts or "
+            "shorter texts");
+}
+
 }  // namespace
 }  // namespace tal::sim
