@@ -7,11 +7,13 @@
 #include "tests/mariadb/Loopback.h"
 #include "tests/mariadb/ServerTest.h"
 #include "tests/mariadb/wait_until.h"
+#include "tests/support/frozen.h"
 
 namespace mariadb_testing {
 namespace {
 
 using tal::Status;
+using testing_support::Frozen;
 
 using FaultsTest = PlainServerTest;
 
@@ -25,17 +27,6 @@ Status boundedStatusOf(const std::function<void()>& action) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, kBound);
   return status;
 }
-
-class Frozen {
- public:
-  explicit Frozen(pid_t process) : process_(process) { ::kill(process_, SIGSTOP); }
-  Frozen(const Frozen&) = delete;
-  Frozen& operator=(const Frozen&) = delete;
-  ~Frozen() { ::kill(process_, SIGCONT); }
-
- private:
-  pid_t process_;
-};
 
 TEST_F(FaultsTest, EndedSessionIsOpenedAgain) {
   const tal::Usage before = engine_->usage();

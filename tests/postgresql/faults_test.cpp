@@ -1,8 +1,6 @@
 // Servers that go away, freeze or lock: each call ends in time, with the reason.
 #include <gtest/gtest.h>
 
-#include <signal.h>
-
 #include <chrono>
 #include <future>
 #include <string>
@@ -11,6 +9,7 @@
 #include "tal/postgresql/statements.h"
 #include "tests/postgresql/FakeServer.h"
 #include "tests/postgresql/ServerTest.h"
+#include "tests/support/frozen.h"
 
 namespace testing_support {
 namespace {
@@ -30,18 +29,6 @@ class FaultsTest : public ServerTest {
       tal::postgresql::open("127.0.0.1:" + std::to_string(fake.port()), {"zelk", "secret"});
     });
   }
-};
-
-// Stops a process for a while.
-class Frozen {
- public:
-  explicit Frozen(pid_t process) : process_(process) { ::kill(process_, SIGSTOP); }
-  Frozen(const Frozen&) = delete;
-  Frozen& operator=(const Frozen&) = delete;
-  ~Frozen() { ::kill(process_, SIGCONT); }
-
- private:
-  pid_t process_;
 };
 
 const std::vector<std::string> kSilentAfterLogin = {protocol::welcome("15.20"),

@@ -8,11 +8,13 @@
 #include "tests/postgresql/ServerTest.h"
 #include "tests/servers/monitor.h"
 #include "tests/servers/shared_memory.h"
+#include "tests/support/frozen.h"
 
 namespace servers_testing {
 namespace {
 
 using testing_support::Ending;
+using testing_support::Frozen;
 using testing_support::Process;
 
 constexpr std::chrono::seconds kRate{5};
@@ -61,18 +63,6 @@ class TimedRun {
  private:
   Monitor monitor_;
   Process process_;
-};
-
-// A process that does nothing as long as this object lives.
-class Frozen {
- public:
-  explicit Frozen(pid_t process) : process_(process) { ::kill(process_, SIGSTOP); }
-  Frozen(const Frozen&) = delete;
-  Frozen& operator=(const Frozen&) = delete;
-  ~Frozen() { ::kill(process_, SIGCONT); }
-
- private:
-  pid_t process_;
 };
 
 // The accounts of runs on the shared server, one for each, by which its process is found.
