@@ -1,33 +1,15 @@
 #include "tal/mariadb/watchdog.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "tal/sql/signals_blocked.h"
+
 namespace tal::mariadb {
-namespace {
-
-// The program's signals are for its own threads: one that starts while this lives takes none.
-class AllSignalsBlocked {
- public:
-  AllSignalsBlocked() : before_() {
-    sigset_t all;
-    sigfillset(&all);
-    ::pthread_sigmask(SIG_BLOCK, &all, &before_);
-  }
-  AllSignalsBlocked(const AllSignalsBlocked&) = delete;
-  AllSignalsBlocked& operator=(const AllSignalsBlocked&) = delete;
-  ~AllSignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-
- private:
-  sigset_t before_;
-};
-
-}  // namespace
 
 Watchdog::Watchdog(const sql::Deadline& deadline) {
-  const AllSignalsBlocked blocked;
+  const sql::SignalsBlocked blocked;
   thread_ = std::thread([this, deadline] { watch(deadline); });
 }
 

@@ -3,8 +3,6 @@
 #include <arpa/inet.h>
 #include <netdb.h>
 #include <netinet/in.h>
-#include <pthread.h>
-#include <signal.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -13,6 +11,7 @@
 #include <thread>
 
 #include "tal/failure.h"
+#include "tal/sql/signals_blocked.h"
 
 namespace tal::sql {
 namespace {
@@ -43,22 +42,6 @@ Addresses lookUp(const std::string& host, int flags) {
   }
   return addresses;
 }
-
-// Keeps signals away from threads started while it lives: they are the program's business.
-class SignalsBlocked {
- public:
-  SignalsBlocked() {
-    sigset_t all;
-    sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &before_);
-  }
-  SignalsBlocked(const SignalsBlocked&) = delete;
-  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-  ~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-
- private:
-  sigset_t before_;
-};
 
 // The thread cannot be stopped: past the deadline it is left to end by itself, and owns all that it
 // uses.
