@@ -13,9 +13,9 @@
 namespace mariadb_testing {
 namespace {
 
-// Makes the data and a certificate, runs the server on them and tells its process id; when its
-// standard input ends, kills the server and removes the folder. A terminal's interrupt must not end
-// it before that.
+// Makes the data and a certificate, runs the server on them and tells its process id; at a line on
+// its standard input kills the server and runs it again, at the end kills it and removes the
+// folder. A terminal's interrupt must not end it before that.
 constexpr const char* kGuardian = R"(
   trap '' INT TERM HUP
   folder=$1
@@ -24,12 +24,15 @@ constexpr const char* kGuardian = R"(
     --innodb-flush-method=nosync --innodb-log-file-size=8M --auth-root-authentication-method=normal >"$folder/install.log" 2>&1
   openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 \
     -subj /CN=localhost -keyout "$folder/key.pem" -out "$folder/ca.pem" 2>>"$folder/install.log"
-  setpriv --pdeathsig KILL mariadbd --no-defaults --datadir="$folder/data" "$@" \
-    >"$folder/server.log" 2>&1 </dev/null &
-  echo "server $!"
-  read -r line
-  kill -KILL $!
-  wait
+  goOn=yes
+  while [ "$goOn" ]; do
+    setpriv --pdeathsig KILL mariadbd --no-defaults --datadir="$folder/data" "$@" \
+      >"$folder/server.log" 2>&1 </dev/null &
+    echo "server $!"
+    read -r line || goOn=
+    kill -KILL $!
+    wait
+  done
   rm -rf "$folder"
 )";
 
@@ -87,9 +90,19 @@ void PrivateServer::start(const std::vector<std::string>& options) {
                                .environment = {{"PATH", "/usr/sbin:/usr/bin:/sbin:/bin"}},
                                .folder = "/",
                                .input = testing_support::Input::pipe()});
+  waitForProcess();
+}
+
+void PrivateServer::restart() {
+  guardian_->write("again\n");
+  waitForProcess();
+  waitUntilReady();
+}
+
+void PrivateServer::waitForProcess() {
   const std::string told = "server ";
-  if (!guardian_->waitForOutput("\n")) throw std::runtime_error("no guardian for a server");
-  process_ = std::stoi(guardian_->output().substr(told.size()));
+  if (!guardian_->waitForOutput("\n", ++starts_)) throw std::runtime_error("no guardian");
+  process_ = std::stoi(guardian_->output().substr(guardian_->output().rfind(told) + told.size()));
 }
 
 void PrivateServer::waitUntilReady() {

@@ -39,13 +39,18 @@ class PrivateServer {
   // Of the server itself, for signals.
   [[nodiscard]] pid_t process() const { return process_; }
 
+  // Kills the server and starts it again on the same data and port. Returns when it answers.
+  void restart();
+
  private:
   void start(const std::vector<std::string>& options);
+  void waitForProcess();
   void waitUntilReady();
 
   testing_support::TemporaryFolder folder_;
   std::uint16_t port_ = 0;
   std::unique_ptr<testing_support::Process> guardian_;
+  int starts_ = 0;
   pid_t process_ = -1;
 };
 

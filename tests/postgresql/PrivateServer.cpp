@@ -80,11 +80,22 @@ std::string PrivateServer::log() const {
   return text.str();
 }
 
-void PrivateServer::stop() {
+pid_t PrivateServer::process() const {
   pid_t server = 0;
   std::ifstream(folder_ / "data/postmaster.pid") >> server;
   if (server <= 0) throw std::runtime_error("the server does not run");
-  ::kill(server, SIGQUIT);
+  return server;
+}
+
+void PrivateServer::restart() {
+  const pid_t before = process();
+  if (::write(lifeLine_, "r", 1) != 1) throw std::runtime_error("the guardian is gone");
+  while (::kill(before, 0) == 0) std::this_thread::sleep_for(kPause);
+  waitUntilReady();
+}
+
+void PrivateServer::stop() {
+  ::kill(process(), SIGQUIT);
   while (std::filesystem::exists(folder_ / "data/postmaster.pid")) {
     std::this_thread::sleep_for(kPause);
   }

@@ -31,6 +31,10 @@ class PrivateServer {
                                              const std::string& database) const;
   // All that the server has logged so far.
   [[nodiscard]] std::string log() const;
+  // Of the server's first process, for signals. Throws std::runtime_error when there is none.
+  [[nodiscard]] pid_t process() const;
+  // Ends all sessions and starts again on the same data and port. Returns when it answers.
+  void restart();
   // Shuts down at once: sessions are cut off, later logins find nobody. Returns when it is done.
   void stop();
 
@@ -40,7 +44,7 @@ class PrivateServer {
   std::filesystem::path folder_;
   std::uint16_t port_ = 0;
   pid_t guardian_ = -1;
-  int lifeLine_ = -1;  // the guardian acts when its other end is closed
+  int lifeLine_ = -1;  // of the guardian: see guardServer
 };
 
 }  // namespace testing_support

@@ -105,10 +105,14 @@ void stopServer(pid_t server) {
   ::waitpid(server, nullptr, 0);
 }
 
-void waitForEnd(int lifeLine) {
-  char byte = 0;
-  while (::read(lifeLine, &byte, 1) > 0) {
-  }
+void runServer(const ServerSettings& settings, const fs::path& programs, int lifeLine) {
+  const auto start = [&] {
+    return startProgram({programs / "postgres", "-D", settings.folder / "data"},
+                        settings.folder / "server.log");
+  };
+  pid_t server = start();
+  for (char byte = 0; ::read(lifeLine, &byte, 1) > 0; server = start()) stopServer(server);
+  stopServer(server);
 }
 
 }  // namespace
@@ -121,12 +125,7 @@ void guardServer(const ServerSettings& settings, int lifeLine) {
   ::close_range(4, ~0U, 0);
 
   const fs::path programs = newestPrograms();
-  if (makeCluster(settings, programs)) {
-    const pid_t server = startProgram({programs / "postgres", "-D", settings.folder / "data"},
-                                      settings.folder / "server.log");
-    waitForEnd(3);
-    stopServer(server);
-  }
+  if (makeCluster(settings, programs)) runServer(settings, programs, 3);
   std::error_code error;
   fs::remove_all(settings.folder, error);
   ::_exit(0);

@@ -13,7 +13,8 @@ struct ServerSettings {
 };
 
 // Makes a cluster in the folder, runs a server on it until `lifeLine` reaches its end, stops the
-// server and removes the folder. For a process of its own; never returns.
+// server and removes the folder. A byte on `lifeLine` lets the server start again. For a process of
+// its own; never returns.
 [[noreturn]] void guardServer(const ServerSettings& settings, int lifeLine);
 
 }  // namespace testing_support

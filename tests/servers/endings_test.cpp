@@ -1,69 +1,19 @@
 // Runs at a fixed rate that lose their server: each ends soon and says why, none hangs.
-#include <signal.h>
-
-#include <fstream>
-
 #include "tests/mariadb/ServerTest.h"
 #include "tests/mariadb/wait_until.h"
 #include "tests/postgresql/ServerTest.h"
-#include "tests/servers/monitor.h"
-#include "tests/servers/shared_memory.h"
+#include "tests/servers/kill_server.h"
+#include "tests/servers/timed_run.h"
 #include "tests/support/frozen.h"
 
 namespace servers_testing {
 namespace {
 
-using testing_support::Ending;
 using testing_support::Frozen;
-using testing_support::Process;
 
 constexpr std::chrono::seconds kRate{5};
 // The longest call takes 10 s; the rest is for a busy machine.
 constexpr std::chrono::seconds kBound = kRate + std::chrono::seconds(15);
-
-// The last line of a refresh.
-constexpr const char* kLastLine = "\tTCP/IP Remote Sessions:";
-
-class TimedRun {
- public:
-  // Returns when the first refresh is complete.
-  explicit TimedRun(const Target& target)
-      : monitor_(
-            target,
-            {
-                {"REFR", std::to_string(kRate.count())},
-                {"OUTP", "BOTH"                       },
-                {"NAME", "zelk.log"                   }
-  }),
-        process_(monitor_.command(kTimed)) {
-    EXPECT_TRUE(process_.waitForOutput(kLastLine));
-    EXPECT_TRUE(process_.waitForOutput("Type q to stop."));
-  }
-
-  bool waitForRefreshes(int number) { return process_.waitForOutput(kLastLine, number); }
-
-  // Expects the run to end with this failure, and nothing of the refresh that met it.
-  void expectEnd(int status, std::chrono::steady_clock::time_point lost) {
-    EXPECT_EQ(process_.wait(), Ending::exit(1));
-    EXPECT_LT(std::chrono::steady_clock::now() - lost, kBound);
-    EXPECT_EQ(process_.error(), failureText(status) + "\n");
-
-    const std::string log = monitor_.log();
-    EXPECT_TRUE(log.ends_with("\n"));
-    const std::vector<std::string> lines = linesOf(log);
-    EXPECT_TRUE(lines.back().starts_with(kLastLine)) << lines.back();
-  }
-
-  // Expects the run to end by itself when it is asked to.
-  void stop() {
-    process_.closeInput();
-    EXPECT_EQ(process_.wait(), Ending::exit(0));
-  }
-
- private:
-  Monitor monitor_;
-  Process process_;
-};
 
 // The accounts of runs on the shared server, one for each, by which its process is found.
 class PostgresqlMonitors {
@@ -119,18 +69,6 @@ class MariadbMonitors {
   mariadb_testing::Session admin_ = mariadb_testing::Session::administrator(server_);
 };
 
-// Kills the first process of the server alone; the others notice it and end.
-void killServer(const testing_support::PrivateServer& server) {
-  pid_t process = -1;
-  std::ifstream(server.folder() / "data/postmaster.pid") >> process;
-  ASSERT_GT(process, 1);
-  const SharedMemory memory(process);
-  ::kill(process, SIGKILL);
-  const std::string address = server.connectionString("postgres", "secret", "app");
-  testing_support::waitUntil([&] { return PQping(address.c_str()) == PQPING_NO_RESPONSE; });
-  memory.remove();
-}
-
 // One test for all, since each waits for a refresh and a time limit.
 TEST(Endings, EveryLossEndsTheRun) {
   const testing_support::PrivateServer doomed;
@@ -139,13 +77,14 @@ TEST(Endings, EveryLossEndsTheRun) {
   mariadb_testing::makeAccounts(doomedToo);
   PostgresqlMonitors postgresql;
   MariadbMonitors mariadb;
-  TimedRun terminated(postgresql.target("terminated"));
-  TimedRun served(postgresql.target("served"));
-  TimedRun onDoomed({"postgresql://127.0.0.1:" + std::to_string(doomed.port()) + "/app"});
-  TimedRun lockedOut(mariadb.target("lockedout"));
-  TimedRun renewed(mariadb.target("renewed"));
-  TimedRun onFrozen({"mariadb://" + mariadb_testing::locationOf(mariadb_testing::plainServer())});
-  TimedRun onDoomedToo({"mariadb://" + mariadb_testing::locationOf(doomedToo)});
+  TimedRun terminated(postgresql.target("terminated"), kRate);
+  TimedRun served(postgresql.target("served"), kRate);
+  TimedRun onDoomed({"postgresql://127.0.0.1:" + std::to_string(doomed.port()) + "/app"}, kRate);
+  TimedRun lockedOut(mariadb.target("lockedout"), kRate);
+  TimedRun renewed(mariadb.target("renewed"), kRate);
+  TimedRun onFrozen({"mariadb://" + mariadb_testing::locationOf(mariadb_testing::plainServer())},
+                    kRate);
+  TimedRun onDoomedToo({"mariadb://" + mariadb_testing::locationOf(doomedToo)}, kRate);
 
   const auto lost = std::chrono::steady_clock::now();
   const Frozen server(mariadb_testing::plainServer().process());
@@ -154,12 +93,12 @@ TEST(Endings, EveryLossEndsTheRun) {
   mariadb.lock("lockedout");
   mariadb.end("lockedout");
   mariadb.end("renewed");  // logs in again, which is no loss
-  ::kill(doomedToo.process(), SIGKILL);
+  killServer(doomedToo);
   killServer(doomed);
 
   const auto expectEnd = [lost](const char* name, TimedRun& run, int status) {
     SCOPED_TRACE(name);
-    run.expectEnd(status, lost);
+    EXPECT_LT(run.expectEnd(status) - lost, kBound);
   };
   expectEnd("session terminated", terminated, 7106);
   expectEnd("server killed", onDoomed, 7106);
