@@ -1,11 +1,13 @@
 // A write that fails is never silent, and a reader that went away is no failure.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
 
 #include "tests/program/program_under_test.h"
+#include "tests/support/masking.h"
 #include "tests/support/process.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/text_comparison.h"
@@ -16,6 +18,7 @@ namespace {
 using testing_support::Command;
 using testing_support::Ending;
 using testing_support::Input;
+using testing_support::maskTimes;
 using testing_support::Process;
 using testing_support::readFile;
 using testing_support::Result;
@@ -133,6 +136,51 @@ TEST(WriteFailure, LeavesTheEngineInOrder) {
 
   const std::string trace = place.trace();
   EXPECT_TRUE(trace.ends_with("TalGetZorbUsageEx2 42\nTalDisconnect 42\nTalStop\n")) << trace;
+}
+
+// The program on a disk of 16 KiB at place / "disk"; what the log holds in the end is kept as
+// "kept.log".
+Command onSmallDisk(const Workplace& place, const std::vector<std::string>& arguments) {
+  Command command = place.command(
+      {"--mount", "--", "/bin/sh", "-c",
+       "mount -t tmpfs -o size=16k none disk || exit 99; \"$@\"; code=$?; cp disk/zelk.log kept.log;"
+       " exit $code",
+       "sh"});
+  if (::geteuid() != 0) {
+    command.arguments.insert(command.arguments.begin(), {"--user", "--map-root-user"});
+  }
+  command.arguments.push_back(command.program);
+  command.arguments.insert(command.arguments.end(), arguments.begin(), arguments.end());
+  command.program = "/usr/bin/unshare";
+  std::filesystem::create_directory(place / "disk");
+  return command;
+}
+
+std::string wholeLines(const std::string& text) { return text.substr(0, text.rfind('\n') + 1); }
+
+TEST(WriteFailure, OnAFullFileSystemLeavesABeginningOfTheLog) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "FILE"         },
+      {"NAME", "disk/zelk.log"},
+      {"RESO", "YES"          }
+  });
+  Command command = onSmallDisk(place, kLoop);
+  command.input = Input::text(std::string(60, 'r'));
+  Command unlimited = place.command(kLoop);
+  unlimited.input = command.input;
+
+  const Result result = run(command);
+  if (result.ending == Ending::exit(99) || result.error.starts_with("unshare:")) {
+    GTEST_SKIP() << "this machine lets nobody mount a disk: " << result.error;
+  }
+  run(unlimited);
+
+  EXPECT_PRED_FORMAT2(sameText, incomplete("disk/zelk.log", kFull) + "\n", result.error);
+  const std::string kept = readFile(place / "kept.log");
+  EXPECT_EQ(kept.size(), 16384U);
+  EXPECT_TRUE(
+      maskTimes(readFile(place / "disk/zelk.log")).starts_with(maskTimes(wholeLines(kept))));
 }
 
 TEST(WriteFailure, OfAStandardOutputFileOverItsLimitIsTold) {
