@@ -1,5 +1,4 @@
 // Logging in: who is let in, and what an administrator is told otherwise.
-#include <signal.h>
 #include <stdlib.h>
 
 #include <optional>
@@ -7,6 +6,7 @@
 #include "tal/sql/system_user.h"
 #include "tests/mariadb/Loopback.h"
 #include "tests/mariadb/ServerTest.h"
+#include "tests/support/frozen.h"
 #include "tests/support/temporary_folder.h"
 
 namespace mariadb_testing {
@@ -194,12 +194,11 @@ TEST_F(LoginTest, EncryptedSessionSurvivesItsLoss) {
 TEST_F(LoginTest, EncryptedSessionIsNotAwaitedForEver) {
   writeOptions("[zelk]\nssl\n");
   const auto engine = openEngine(server_);
-  ::kill(server_.process(), SIGSTOP);
+  const testing_support::Frozen server(server_.process());
 
   const Status ofSession = statusOf([&] { engine->clients(); });
   const Status ofLogin = statusOfLogin(locationOf(server_), "zelk");
 
-  ::kill(server_.process(), SIGCONT);
   EXPECT_EQ(ofSession, Status::kNoAnswer);
   EXPECT_EQ(ofLogin, Status::kNoAnswer);
 }

@@ -1,7 +1,6 @@
 // A process that stands still.
 #pragma once
 
-#include <signal.h>
 #include <sys/types.h>
 
 namespace testing_support {
@@ -9,10 +8,12 @@ namespace testing_support {
 // The process does nothing as long as this object lives.
 class Frozen {
  public:
-  explicit Frozen(pid_t process) : process_(process) { ::kill(process_, SIGSTOP); }
+  // Returns when all its threads stand, which takes the system a moment. Throws std::runtime_error
+  // if they do not.
+  explicit Frozen(pid_t process);
   Frozen(const Frozen&) = delete;
   Frozen& operator=(const Frozen&) = delete;
-  ~Frozen() { ::kill(process_, SIGCONT); }
+  ~Frozen();
 
  private:
   pid_t process_;
