@@ -13,6 +13,7 @@
 #include "tal/mariadb/pipe_signal.h"
 #include "tal/mariadb/server_errors.h"
 #include "tal/mariadb/watchdog.h"
+#include "tal/sql/first_reachable.h"
 #include "tal/sql/resolve.h"
 #include "tal/sql/wait.h"
 
@@ -164,28 +165,16 @@ std::vector<std::string> hostsToTry(const Location& location, const Encryption& 
   return addresses;
 }
 
-// Each address gets an equal share of what is left, so that a silent one does not hide the others.
-Handle logInByTcp(const Location& location, const Credentials& credentials,
-                  const Encryption& encryption, const sql::Deadline& deadline) {
-  const std::vector<std::string> hosts = hostsToTry(location, encryption, deadline);
-  for (std::size_t i = 0; i + 1 < hosts.size(); ++i) {
-    const auto share = deadline.remaining() / (hosts.size() - i);
-    try {
-      return logIn(hosts[i].c_str(), location, credentials, encryption, deadline.within(share));
-    } catch (const Failure& failure) {
-      const bool unreachable =
-          failure.status() == Status::kCannotReach || failure.status() == Status::kNoAnswer;
-      if (!unreachable) throw;
-    }
-  }
-  return logIn(hosts.back().c_str(), location, credentials, encryption, deadline);
-}
-
 Handle logInAnywhere(const Location& location, const Credentials& credentials,
                      const Encryption& encryption, const sql::Deadline& deadline) {
   initialiseClientLibrary();
-  if (location.socketPath.empty()) return logInByTcp(location, credentials, encryption, deadline);
-  return logIn(nullptr, location, credentials, encryption, deadline);
+  if (!location.socketPath.empty()) {
+    return logIn(nullptr, location, credentials, encryption, deadline);
+  }
+  return sql::firstReachable(hostsToTry(location, encryption, deadline), deadline,
+                             [&](const std::string& host, const sql::Deadline& share) {
+                               return logIn(host.c_str(), location, credentials, encryption, share);
+                             });
 }
 
 }  // namespace

@@ -1,38 +1,16 @@
 #include "tal/postgresql/login.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "tal/failure.h"
 #include "tal/postgresql/login_attempt.h"
 #include "tal/postgresql/parameters.h"
+#include "tal/sql/first_reachable.h"
 #include "tal/sql/resolve.h"
 #include "tal/sql/system_user.h"
 
 namespace tal::postgresql {
-namespace {
-
-bool mayWorkElsewhere(Status status) {
-  return status == Status::kCannotReach || status == Status::kNoAnswer;
-}
-
-ConnectionHandle connectToAny(Target target, const std::vector<std::string>& addresses,
-                              const sql::Deadline& deadline) {
-  for (auto left = static_cast<std::int64_t>(addresses.size()); left > 1; --left) {
-    target.address = addresses[addresses.size() - static_cast<std::size_t>(left)];
-    try {
-      return connectTo(target, deadline.within(deadline.remaining() / left));
-    } catch (const Failure& failure) {
-      if (!mayWorkElsewhere(failure.status())) throw;
-    }
-  }
-  target.address = addresses.back();
-  return connectTo(target, deadline);
-}
-
-}  // namespace
 
 ConnectionHandle login(const Location& location, const Credentials& credentials,
                        const sql::Deadline& deadline) {
@@ -47,7 +25,11 @@ ConnectionHandle login(const Location& location, const Credentials& credentials,
 
   const std::vector<std::string> addresses = sql::resolveHost(location.host, deadline);
   target.requireTls = !std::ranges::all_of(addresses, &sql::isLoopback);
-  return connectToAny(std::move(target), addresses, deadline);
+  return sql::firstReachable(addresses, deadline,
+                             [&target](const std::string& address, const sql::Deadline& share) {
+                               target.address = address;
+                               return connectTo(target, share);
+                             });
 }
 
 }  // namespace tal::postgresql

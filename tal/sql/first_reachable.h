@@ -1,0 +1,32 @@
+// A host with several addresses.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "tal/failure.h"
+#include "tal/sql/deadline.h"
+
+namespace tal::sql {
+
+// What `connect(address, deadline)` returns for the first address that can be reached. Each gets an
+// equal share of what is left of the time, so that a silent one does not hide the others; a
+// Failure by which a server has answered is not tried elsewhere. `addresses` is not empty.
+template <typename Connect>
+auto firstReachable(const std::vector<std::string>& addresses, const Deadline& deadline,
+                    const Connect& connect) {
+  for (std::size_t i = 0; i + 1 < addresses.size(); ++i) {
+    const auto share = deadline.remaining() / (addresses.size() - i);
+    try {
+      return connect(addresses[i], deadline.within(share));
+    } catch (const Failure& failure) {
+      const bool unreachable =
+          failure.status() == Status::kCannotReach || failure.status() == Status::kNoAnswer;
+      if (!unreachable) throw;
+    }
+  }
+  return connect(addresses.back(), deadline);
+}
+
+}  // namespace tal::sql
