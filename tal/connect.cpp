@@ -2,22 +2,29 @@
 
 #include <array>
 
-#include "tal/mariadb/mariadb.h"
-#include "tal/postgresql/postgresql.h"
+#include "tal/module.h"
 #include "tal/sim/sim.h"
 
 namespace tal {
 namespace {
 
+std::unique_ptr<Engine> openPostgresql(std::string_view location, const Credentials& credentials) {
+  return moduleOf("tal-postgresql.so")(location, credentials);
+}
+
+std::unique_ptr<Engine> openMariadb(std::string_view location, const Credentials& credentials) {
+  return moduleOf("tal-mariadb.so")(location, credentials);
+}
+
 struct Scheme {
   std::string_view prefix;
-  std::unique_ptr<Engine> (*open)(std::string_view location, const Credentials& credentials);
+  OpenEngine* open;
 };
 
 constexpr std::array kSchemes = {
-    Scheme{"sim:",          sim::open       },
-    Scheme{"postgresql://", postgresql::open},
-    Scheme{"mariadb://",    mariadb::open   },
+    Scheme{"sim:",          sim::open     },
+    Scheme{"postgresql://", openPostgresql},
+    Scheme{"mariadb://",    openMariadb   },
 };
 
 }  // namespace

@@ -15,7 +15,8 @@ struct Credentials {
   std::string password;
 };
 
-// Opens the engine that `server` names by its scheme ("sim:", "postgresql://", "mariadb://").
+// Opens the engine that `server` names by its scheme ("sim:", "postgresql://", "mariadb://"), the
+// latter two by their modules (see module.h).
 // Throws Failure: kUnknownScheme, kBadServerName, or why the engine could not be opened.
 std::unique_ptr<Engine> openEngine(std::string_view server, const Credentials& credentials);
 

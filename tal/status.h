@@ -39,6 +39,8 @@ enum class Status : std::int16_t {
   kPasswordMissing = 7122,      // the server asks for a password and none is configured
   kPasswordExpired = 7123,      // the account's password has expired
   kAccountLocked = 7124,        // the account is locked
+  kModuleMissing = 7125,        // the engine's module, or a library that it needs, is not installed
+  kModuleForeign = 7126,        // the engine's module is of another build than the library
 };
 
 }  // namespace tal

@@ -13,6 +13,12 @@ namespace {
 
 constexpr const char* kNumberLocale = "de_DE.UTF-8";
 
+std::filesystem::path moduleIn(const std::filesystem::path& tree, const std::string& engine) {
+  return tree / "lib/zelk" / ("tal-" + engine + ".so");
+}
+
+std::filesystem::path builtTree() { return builtProgram().parent_path().parent_path(); }
+
 }  // namespace
 
 Environment plainEnvironment() {
@@ -47,14 +53,22 @@ Environment environmentWithMessages(const std::string& locale) {
 
 std::filesystem::path builtProgram() { return ZELK_BINARY; }
 
+std::filesystem::path builtModule(const std::string& engine) {
+  return moduleIn(builtTree(), engine);
+}
+
 std::filesystem::path settableEngine() { return SETTABLE_ENGINE_LIBRARY; }
 
 ProgramTree::ProgramTree(const std::filesystem::path& folder) : folder_(folder) {
-  const std::filesystem::path built = builtProgram().parent_path().parent_path();
   for (const char* const part : {"bin/zelk", "lib/zelk/libtal.so", "share/zelk/messages"}) {
     std::filesystem::create_directories((folder_ / part).parent_path());
-    std::filesystem::copy(built / part, folder_ / part, std::filesystem::copy_options::recursive);
+    std::filesystem::copy(builtTree() / part, folder_ / part,
+                          std::filesystem::copy_options::recursive);
   }
+}
+
+std::filesystem::path ProgramTree::module(const std::string& engine) const {
+  return moduleIn(folder_, engine);
 }
 
 void ProgramTree::replaceEngine(const std::filesystem::path& library) const {

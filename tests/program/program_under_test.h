@@ -35,16 +35,23 @@ Environment environmentWithMessages(const std::string& locale);
 // The executable of the build tree.
 std::filesystem::path builtProgram();
 
+// The module of that engine in the build tree.
+std::filesystem::path builtModule(const std::string& engine);
+
 // The engine library whose answers a test sets.
 std::filesystem::path settableEngine();
 
-// A copy of the built tree: bin/zelk, lib/zelk/libtal.so and share/zelk/messages in the folder.
+// A copy of the built tree: bin/zelk, lib/zelk/libtal.so and share/zelk/messages in the folder. The
+// engine library's modules, which few tests need, are not in it.
 class ProgramTree {
  public:
   explicit ProgramTree(const std::filesystem::path& folder);
 
   [[nodiscard]] std::filesystem::path program() const { return folder_ / "bin/zelk"; }
   [[nodiscard]] std::filesystem::path messages() const { return folder_ / "share/zelk/messages"; }
+
+  // Where the engine library opens the module of that engine, "postgresql" or "mariadb".
+  [[nodiscard]] std::filesystem::path module(const std::string& engine) const;
 
   // Puts another library in the place of the engine library.
   void replaceEngine(const std::filesystem::path& library) const;
