@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <system_error>
 
@@ -11,6 +12,8 @@
 
 namespace tal::sim {
 namespace {
+
+constexpr std::size_t kBlock = 16384;  // bytes
 
 [[noreturn]] void failUnreadable(int error) {
   throw ScenarioError(0, "cannot be read: " + std::generic_category().message(error));
@@ -33,14 +36,16 @@ class Descriptor {
     return S_ISREG(status.st_mode);
   }
 
-  // Bytes read into the text from `at`; 0 at the end of the file.
-  [[nodiscard]] std::size_t read(std::string& text, std::size_t at) const {
+  // Returns false at the end of the file.
+  [[nodiscard]] bool appendTo(std::string& text) const {
+    std::array<char, kBlock> block;
     ssize_t got = -1;
     do {
-      got = ::read(number_, text.data() + at, text.size() - at);
+      got = ::read(number_, block.data(), block.size());
     } while (got < 0 && errno == EINTR);
     if (got < 0) failUnreadable(errno);
-    return static_cast<std::size_t>(got);
+    text.append(block.data(), static_cast<std::size_t>(got));
+    return got > 0;
   }
 
  private:
@@ -52,13 +57,12 @@ class Descriptor {
 std::string readFile(const std::string& path) {
   const Descriptor file(path);
   if (!file.isRegularFile()) throw ScenarioError(0, "is not a regular file");
-  std::string text(kFileLimit + 1, '\0');
-  std::size_t length = 0;
-  while (const std::size_t got = file.read(text, length)) length += got;
-  if (length > kFileLimit) {
-    throw ScenarioError(0, "is larger than " + std::to_string(kFileLimit) + " bytes");
+  std::string text;
+  while (file.appendTo(text)) {
+    if (text.size() > kFileLimit) {
+      throw ScenarioError(0, "is larger than " + std::to_string(kFileLimit) + " bytes");
+    }
   }
-  text.resize(length);
   return text;
 }
 
