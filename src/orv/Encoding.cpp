@@ -104,7 +104,7 @@ std::size_t decodeUtf8(std::string_view bytes, bool atEnd, std::wstring& text) {
 }
 
 std::size_t encodeUtf8(wchar_t character, char* out) noexcept {
-  const auto value = static_cast<std::uint32_t>(character);
+  const std::uint32_t value = std::char_traits<wchar_t>::to_int_type(character);
   const auto put = [out](std::size_t index, std::uint32_t byte) {
     out[index] = static_cast<char>(static_cast<std::uint8_t>(byte));
   };

@@ -54,6 +54,7 @@ class Reference {
 
   [[nodiscard]] T* get() const noexcept { return object_; }
   T& operator*() const noexcept { return *object_; }
+  // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): the analyser does not know atomic counts.
   T* operator->() const noexcept { return object_; }
   explicit operator bool() const noexcept { return object_ != nullptr; }
 

@@ -25,7 +25,7 @@ namespace {
 
 // Fills `out` with what `ask` gets from the connection. Nothing is asked when `out` is null.
 template <typename Out, typename Ask>
-std::int16_t answered(std::int32_t handle, Call call, Out* out, const Ask& ask) noexcept {
+std::int16_t answered(std::int32_t handle, Call call, Out* out, const Ask& ask) {
   return guarded([&] {
     Connection& connection = library().serving(handle, call);
     Out& place = required(out);
@@ -35,7 +35,7 @@ std::int16_t answered(std::int32_t handle, Call call, Out* out, const Ask& ask) 
 
 using Action = void (Connection::*)();
 
-std::int16_t done(std::int32_t handle, Call call, Action action) noexcept {
+std::int16_t done(std::int32_t handle, Call call, Action action) {
   return guarded([&] { (library().serving(handle, call).*action)(); });
 }
 

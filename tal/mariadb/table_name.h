@@ -12,6 +12,7 @@ struct TableName {
   std::string schema;
   std::string table;
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 that is compared with for a null.
   auto operator<=>(const TableName&) const = default;
 };
 

@@ -6,7 +6,7 @@
 namespace tal::mariadb {
 namespace {
 
-constexpr std::int64_t kMegabyte = 1024 * 1024;
+constexpr std::int64_t kMegabyte = std::int64_t{1024} * 1024;
 
 std::int64_t wholeMegabytes(std::int64_t bytes) {
   return bytes / kMegabyte + (bytes % kMegabyte > 0 ? 1 : 0);
