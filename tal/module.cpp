@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <array>
+#include <climits>
 #include <cstdio>
 #include <string>
 
@@ -21,14 +23,18 @@ constexpr char kHere = 0;
   throw Failure(Status::kModuleMissing);
 }
 
-// With a "/" at its end. Loaded by a relative name, this library is in no folder that stays the
-// same when the process changes its own.
+// Where this library was loaded from, with a "/" at its end; absolute, so that it stays the same
+// when the process changes its working folder.
 std::string ownFolder() {
   Dl_info own{};
-  if (dladdr(&kHere, &own) == 0) failMissing("the library's own folder is not known");
-  const std::string_view path = own.dli_fname;
-  if (!path.starts_with('/')) failMissing(std::string(path) + ": not an absolute path");
-  return std::string(path.substr(0, path.rfind('/') + 1));
+  void* object = nullptr;
+  // The loader puts the working folder before a relative name.
+  std::array<char, 2UL * PATH_MAX> folder{};
+  if (dladdr1(&kHere, &own, &object, RTLD_DL_LINKMAP) == 0 ||
+      dlinfo(object, RTLD_DI_ORIGIN, folder.data()) != 0) {
+    failMissing("the library's own folder is not known");
+  }
+  return std::string(folder.data()) + "/";
 }
 
 }  // namespace

@@ -83,6 +83,18 @@ TEST_P(Modules, AreSoughtNowhereElse) {
                             kMissing);
 }
 
+TEST_P(Modules, AreSoughtWhereALibraryOfRelativeNameIs) {
+  Command relative = command();
+  relative.program = builtProgram();
+  relative.environment["LD_LIBRARY_PATH"] = "tree/lib/zelk";
+
+  const Result result = run(relative);
+
+  expectFailure(result, "libtal: " + place().string() +
+                            ": cannot open shared object file: No such file or directory\n" +
+                            kMissing);
+}
+
 TEST_P(Modules, NeedTheirClientLibrary) {
   std::filesystem::copy_file(builtModule(GetParam()), place());
   const std::string library = GetParam() == "mariadb" ? "libmariadb.so.3" : "libpq.so.5";
