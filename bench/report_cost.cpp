@@ -1,202 +1,167 @@
-// What a report costs, beside the floor of one write(2) for each of the same lines, measured in the
-// same run, turn by turn.
-//   report_cost ZELK FLOOR [HANDLES [REPETITIONS]]
-#include <sys/types.h>
-#include <unistd.h>
-
+// What a report costs, beside the floor of one write(2) for each of the same lines, and what a
+// start costs, beside the start of a program that does nothing. Measured in the same run, turn by
+// turn.
+//   report_cost ZELK FLOOR NOTHING [MOST_HANDLES]
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <functional>
-#include <stdexcept>
+#include <exception>
 #include <string>
-#include <vector>
 
 #include "bench/child.h"
+#include "bench/instructions.h"
+#include "bench/reports.h"
 #include "bench/series.h"
 
 namespace {
 
+using bench::Command;
 using bench::Cost;
+using bench::Form;
+using bench::instructionsOf;
 using bench::Output;
+using bench::Reports;
+using bench::runChecked;
 using bench::Series;
 
-constexpr long kHandlesPerFile = 100;
+constexpr double kMilliseconds = 1e3;
+constexpr double kNanoseconds = 1e9;
+constexpr double kMillion = 1e6;
+constexpr int kStarts = 40;
+constexpr long kFewestHandles = 10'000;
 
-// A folder for the run's files.
-class WorkFolder {
- public:
-  WorkFolder()
-      : path_(std::filesystem::temp_directory_path() / ("zelk-bench-" + std::to_string(getpid()))) {
-    std::filesystem::create_directory(path_);
-  }
-  WorkFolder(const WorkFolder&) = delete;
-  WorkFolder& operator=(const WorkFolder&) = delete;
-  ~WorkFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
+constexpr Form kForms[] = {
+    {"text, file",      false, true,  Output::kDevNull},
+    {"text, pipe",      false, false, Output::kPipe   },
+    {"text, /dev/null", false, false, Output::kDevNull},
+    {"JSON, file",      true,  true,  Output::kDevNull},
+    {"JSON, pipe",      true,  false, Output::kPipe   },
+    {"JSON, /dev/null", true,  false, Output::kDevNull},
+};
+constexpr const Form& kTextToFile = kForms[0];
 
-  [[nodiscard]] std::string file(const std::string& name) const { return path_ / name; }
-  void write(const std::string& name, const std::string& text) const {
-    std::ofstream(file(name), std::ios::binary) << text;
-  }
-
- private:
-  std::filesystem::path path_;
+// What takes longer is repeated less often.
+struct Size {
+  long handles;
+  int repetitions;
+};
+constexpr Size kSizes[] = {
+    {kFewestHandles, 15},
+    {100'000,        5 },
+    {1'000'000,      3 },
 };
 
-std::string scenarioOf(long handles) {
-  return "[[file]]\nname = '/data/shop/orders_{n}.dat'\ncount = " +
-         std::to_string(handles / kHandlesPerFile) +
-         "\npage_size = 4096\nread_only = 'no'\n"
-         "[[file.handle]]\nclient = 'app01@shop'\ncount = " +
-         std::to_string(kHandlesPerFile) + "\nopen_mode = 'normal'\nrecord_lock = 'single'\n";
+// Of a text report to a file.
+struct Measured {
+  double cpuSeconds = 0;   // the median
+  long peakKilobytes = 0;  // the last
+};
+
+void printStart(const char* what, const Command& command, const Series& cpu,
+                const Reports& reports) {
+  std::printf("%-28s %6.2f (%.2f to %.2f)  %8.2f\n", what, cpu.median() * kMilliseconds,
+              cpu.least() * kMilliseconds, cpu.greatest() * kMilliseconds,
+              instructionsOf(command, reports.scratch()) / kMillion);
 }
 
-std::string configurationOf(const std::string& scenario, const std::string& output,
-                            const std::string& log, bool withFiles) {
-  return "SERV=sim:" + scenario + "\nUSER=\nPASS=\nREFR=0\nLIMI=0\nOUTP=" + output +
-         "\nNAME=" + log + "\nFILE=" + (withFiles ? "YES" : "NO") +
-         "\nSESS=NO\nCONN=NO\nRESO=NO\nCOMM=NO\nHAND=YES\n";
+Measured measureStart(Reports& reports, const Command& nothing) {
+  reports.setHandles(0);
+  const Command report = reports.report(kTextToFile);
+  Series floor;
+  Series zelk;
+  Cost cost;
+  for (int i = 0; i < kStarts; ++i) {
+    floor.add(runChecked(nothing, Output::kDevNull).cpuSeconds);
+    cost = runChecked(report, Output::kDevNull);
+    zelk.add(cost.cpuSeconds);
+  }
+  std::printf("start, %d turns                ms of CPU        million instructions\n", kStarts);
+  printStart("a C++ program with a thread", nothing, floor, reports);
+  printStart("zelk, an empty report", report, zelk, reports);
+  return {zelk.median(), cost.peakKilobytes};
 }
 
-Cost runChecked(const std::vector<std::string>& command, Output output) {
-  const Cost cost = bench::run(command, output);
-  if (cost.exitStatus != 0) throw std::runtime_error(command.front() + " failed");
-  return cost;
+Measured measureForm(Reports& reports, const Form& form, const Size& size, std::size_t lines) {
+  const Command report = reports.report(form);
+  const Command least = reports.floor(form);
+  Series zelk;
+  Series floor;
+  Series ratio;
+  Cost cost;
+  for (int i = 0; i < size.repetitions; ++i) {
+    cost = runChecked(report, form.console);
+    zelk.add(cost.cpuSeconds);
+    const double floorSeconds = runChecked(least, form.console).cpuSeconds;
+    floor.add(floorSeconds);
+    ratio.add(cost.cpuSeconds / floorSeconds);
+  }
+  const double perLine = kNanoseconds / static_cast<double>(lines);
+  std::printf("%8ld  %-16s %9zu  %7.0f  %8.0f  %5.2f (%.2f to %.2f)\n", size.handles, form.name,
+              lines, zelk.median() * perLine, floor.median() * perLine, ratio.median(),
+              ratio.least(), ratio.greatest());
+  std::fflush(stdout);
+  return {zelk.median(), cost.peakKilobytes};
 }
 
-std::size_t linesOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+Measured measureSize(Reports& reports, const Size& size) {
+  reports.setHandles(size.handles);
+  Measured textToFile;
   std::size_t lines = 0;
-  for (std::string line; std::getline(file, line);) ++lines;
-  return lines;
+  for (const Form& form : kForms) {
+    if (form.toFile) lines = reports.makeLines(form.json);
+    const Measured measured = measureForm(reports, form, size, lines);
+    if (&form == &kTextToFile) textToFile = measured;
+  }
+  return textToFile;
 }
 
-// One kind of report to one kind of place.
-struct Case {
-  const char* name;
-  bool json;
-  const char* output;  // the key OUTP
-  Output console;
-};
-
-constexpr Case kCases[] = {
-    {"text, file",      false, "FILE",    Output::kDevNull},
-    {"text, pipe",      false, "CONSOLE", Output::kPipe   },
-    {"text, /dev/null", false, "CONSOLE", Output::kDevNull},
-    {"JSON, file",      true,  "FILE",    Output::kDevNull},
-    {"JSON, pipe",      true,  "CONSOLE", Output::kPipe   },
-    {"JSON, /dev/null", true,  "CONSOLE", Output::kDevNull},
-};
-
-class Bench {
- public:
-  Bench(std::string zelk, std::string floor, int repetitions)
-      : zelk_(std::move(zelk)), floor_(std::move(floor)), repetitions_(repetitions) {}
-
-  // Prints a row for each case; returns the least CPU seconds of a text report to a file.
-  double measureReports(long handles) {
-    folder_.write("scenario.toml", scenarioOf(handles));
-    double textToFile = 0;
-    for (const Case& row : kCases) {
-      const double seconds = measureCase(row, handles);
-      if (textToFile == 0) textToFile = seconds;
-    }
-    return textToFile;
+// Of many lines, with what the start costs taken off.
+void countInstructions(Reports& reports) {
+  for (const bool json : {false, true}) {
+    const Form form{"", json, true, Output::kDevNull};
+    reports.setHandles(0);
+    const double start = instructionsOf(reports.report(form), reports.scratch());
+    reports.setHandles(kFewestHandles);
+    const auto lines = static_cast<double>(reports.makeLines(json));
+    const double report = instructionsOf(reports.report(form), reports.scratch());
+    const double floor = instructionsOf(reports.floor(form), reports.scratch());
+    std::printf("instructions a line, %s: zelk %.0f, floor %.0f\n", json ? "JSON" : "text",
+                (report - start) / lines, floor / lines);
   }
+}
 
-  // CPU seconds and memory of a report with no section at all.
-  Cost measureIdle() {
-    folder_.write("scenario.toml", "");
-    folder_.write("zelk.cfg", configurationOf(folder_.file("scenario.toml"), "FILE",
-                                              folder_.file("zelk.log"), false));
-    Series cpu;
-    Cost cost;
-    for (int i = 0; i < repetitions_ * 4; ++i) {
-      cost = runChecked(command(false), Output::kDevNull);
-      cpu.add(cost.cpuSeconds);
-    }
-    std::printf("start and empty report: %.1f ms CPU (%.1f to %.1f)\n", cpu.median() * 1e3,
-                cpu.least() * 1e3, cpu.greatest() * 1e3);
-    return cost;
+double perHandle(const Measured& measured, const Measured& start, long handles) {
+  return (measured.cpuSeconds - start.cpuSeconds) / static_cast<double>(handles);
+}
+
+void measureAll(Reports& reports, const Command& nothing, long mostHandles) {
+  const Measured start = measureStart(reports, nothing);
+  countInstructions(reports);
+  std::printf(" handles  report, to            lines  ns/line  floor ns  ratio of CPU\n");
+  const Measured fewest = measureSize(reports, kSizes[0]);
+  for (const Size& size : kSizes) {
+    if (size.handles == kFewestHandles || size.handles > mostHandles) continue;
+    const Measured measured = measureSize(reports, size);
+    const long held = (measured.peakKilobytes - start.peakKilobytes) * 1024;
+    std::printf(
+        "cost of a handle at %ld over at %ld: %.2f\n", size.handles, kFewestHandles,
+        perHandle(measured, start, size.handles) / perHandle(fewest, start, kFewestHandles));
+    std::printf("peak memory of a handle held at %ld: %.0f bytes\n", size.handles,
+                static_cast<double>(held) / static_cast<double>(size.handles));
   }
-
-  [[nodiscard]] long peakKilobytes() const { return peakKilobytes_; }
-
- private:
-  std::vector<std::string> command(bool json) const {
-    std::vector<std::string> words{zelk_, "-f", folder_.file("zelk.cfg"), "-runonce"};
-    if (json) words.emplace_back("-JSON");
-    return words;
-  }
-
-  double measureCase(const Case& row, long handles) {
-    const std::string log = folder_.file("zelk.log");
-    const bool toFile = std::string(row.output) == "FILE";
-    const auto configure = [&](const char* output) {
-      folder_.write("zelk.cfg", configurationOf(folder_.file("scenario.toml"), output, log, true));
-    };
-    configure("FILE");
-    runChecked(command(row.json), Output::kDevNull);
-    const std::string lines = folder_.file("lines");
-    std::filesystem::rename(log, lines);
-    const std::size_t count = linesOf(lines);
-    configure(row.output);
-
-    Series zelk;
-    Series floor;
-    Series ratio;
-    for (int i = 0; i < repetitions_; ++i) {
-      const Cost report = runChecked(command(row.json), row.console);
-      const Cost least = runChecked({floor_, lines, toFile ? log : "-"}, row.console);
-      peakKilobytes_ = report.peakKilobytes;
-      zelk.add(report.cpuSeconds);
-      floor.add(least.cpuSeconds);
-      ratio.add(report.cpuSeconds / least.cpuSeconds);
-    }
-    const double perLine = 1e9 / static_cast<double>(count);
-    std::printf("%8ld  %-16s %9zu  %8.0f  %8.0f  %6.2f (%.2f to %.2f)\n", handles, row.name, count,
-                zelk.median() * perLine, floor.median() * perLine, ratio.median(), ratio.least(),
-                ratio.greatest());
-    std::fflush(stdout);
-    return zelk.least();
-  }
-
-  std::string zelk_;
-  std::string floor_;
-  int repetitions_;
-  long peakKilobytes_ = 0;
-  WorkFolder folder_;
-};
-
-void runAll(Bench& bench, long handles) {
-  const Cost idle = bench.measureIdle();
-  std::printf(" handles  report, to            lines   ns/line  floor ns  ratio of CPU\n");
-  const long fewer = handles / 100;
-  const double small = bench.measureReports(fewer);
-  const double large = bench.measureReports(handles);
-  const double held = static_cast<double>(bench.peakKilobytes() - idle.peakKilobytes) * 1024;
-  std::printf("cost of a handle at %ld over at %ld: %.2f\n", handles, fewer,
-              (large / static_cast<double>(handles)) / (small / static_cast<double>(fewer)));
-  std::printf("peak memory of a handle held: %.0f bytes\n", held / static_cast<double>(handles));
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  constexpr long kHandles = 1'000'000;
-  constexpr int kRepetitions = 5;
-  if (argc < 3) {
-    std::fputs("usage: report_cost ZELK FLOOR [HANDLES [REPETITIONS]]\n", stderr);
+  if (argc < 4) {
+    std::fputs("usage: report_cost ZELK FLOOR NOTHING [MOST_HANDLES]\n", stderr);
     return 2;
   }
   try {
-    Bench bench(argv[1], argv[2], argc > 4 ? std::atoi(argv[4]) : kRepetitions);
-    runAll(bench, argc > 3 ? std::atol(argv[3]) : kHandles);
+    Reports reports(argv[1], argv[2]);
+    constexpr long kMostHandles = 1'000'000;
+    measureAll(reports, {argv[3]}, argc > 4 ? std::atol(argv[4]) : kMostHandles);
     return 0;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "report_cost: %s\n", failure.what());

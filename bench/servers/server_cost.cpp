@@ -1,0 +1,182 @@
+// What each section costs the machine that zelk runs on, beside the server's own command-line
+// client that asks the same statements and prints their rows, a line for each column; and how many
+// statements a refresh is, as the server counts them.
+//   server_cost ENGINE ZELK STATEMENTS SOCKET_FOLDER PROGRAMS [SESSIONS [TABLES]]
+// ENGINE is postgresql or mariadb, STATEMENTS the folder of the engines' statements. The run script
+// starts the server.
+#include <sys/resource.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "bench/child.h"
+#include "bench/configuration.h"
+#include "bench/refresh.h"
+#include "bench/series.h"
+#include "bench/servers/server.h"
+#include "bench/work_folder.h"
+#include "orv/Exception.h"
+
+namespace {
+
+using bench::Output;
+using bench::Refresh;
+using bench::Series;
+using bench::Server;
+using bench::WorkFolder;
+
+constexpr int kTurns = 7;
+constexpr int kRefreshes = 20;  // in one turn
+
+struct Section {
+  const char* name;
+  const char* key;
+  bool ConfigData::*shown;
+  std::vector<std::string> bench::Statements::*statements;
+};
+
+constexpr Section kSections[] = {
+    {"files",          "FILE", &ConfigData::showFiles,          &bench::Statements::files         },
+    {"sessions",       "SESS", &ConfigData::showSessions,       &bench::Statements::sessions      },
+    {"connections",    "CONN", &ConfigData::showConnections,    &bench::Statements::connections   },
+    {"resources",      "RESO", &ConfigData::showResources,      &bench::Statements::resources     },
+    {"communications", "COMM", &ConfigData::showCommunications, &bench::Statements::communications},
+};
+
+double ownCpuSeconds() {
+  constexpr double kMicrosecond = 1e-6;
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+         static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * kMicrosecond;
+}
+
+double cpuSecondsOf(const std::vector<std::string>& command) {
+  const bench::Cost cost = bench::run(command, Output::kDevNull);
+  if (cost.exitStatus != 0) throw std::runtime_error(command.front() + " failed");
+  return cost.cpuSeconds;
+}
+
+std::string contentOf(const std::string& path) {
+  std::ifstream file(path);
+  if (!file) throw std::runtime_error(path + " cannot be read");
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Two costs of the same thing, and one over the other, turn by turn.
+class Pair {
+ public:
+  void add(double ours, double theirs) {
+    ours_.add(ours);
+    theirs_.add(theirs);
+    ratio_.add(ours / theirs);
+  }
+
+  void print() const {
+    constexpr double kMilliseconds = 1e3;
+    std::printf("  %7.2f %7.2f  %5.2f (%.2f to %.2f)", ours_.median() * kMilliseconds,
+                theirs_.median() * kMilliseconds, ratio_.median(), ratio_.least(),
+                ratio_.greatest());
+  }
+
+ private:
+  Series ours_;
+  Series theirs_;
+  Series ratio_;
+};
+
+class Bench {
+ public:
+  Bench(Server& server, std::string zelk, const std::string& statements)
+      : server_(server), zelk_(std::move(zelk)), folder_(statements + "/" + server.engine()) {}
+
+  void measure(const Section& section) {
+    const std::vector<std::string> names = server_.statements().*section.statements;
+    const std::string once = statementFile("once.sql", names, 1);
+    const std::string often = statementFile("often.sql", names, 1 + kRefreshes);
+    const std::string configuration = files_.write("zelk.cfg", bench::configuration({
+                                                                   {"SERV",      server_.name()},
+                                                                   {"USER",      "zelk"        },
+                                                                   {"NAME",      "/dev/null"   },
+                                                                   {section.key, "YES"         }
+    }));
+
+    Refresh refresh(server_.name(), section.shown);
+    refresh.run();
+    const long before = server_.statementsSent();
+    refresh.run();
+    const long statements = server_.statementsSent() - before;
+
+    Pair programs;
+    Pair refreshes;
+    for (int i = 0; i < kTurns; ++i) {
+      const double started = ownCpuSeconds();
+      for (int k = 0; k < kRefreshes; ++k) refresh.run();
+      const double ours = (ownCpuSeconds() - started) / kRefreshes;
+      const double theirsOnce = cpuSecondsOf(server_.client(once));
+      const double theirs = (cpuSecondsOf(server_.client(often)) - theirsOnce) / kRefreshes;
+      refreshes.add(ours, theirs);
+      programs.add(cpuSecondsOf({zelk_, "-f", configuration, "-runonce"}), theirsOnce);
+    }
+    std::printf("%-14s  %10ld", section.name, statements);
+    refreshes.print();
+    programs.print();
+    std::printf("\n");
+    std::fflush(stdout);
+  }
+
+ private:
+  std::string statementFile(const std::string& name, const std::vector<std::string>& statements,
+                            int times) const {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+      for (const std::string& each : statements) text += contentOf(folder_ + "/" + each) + ";\n";
+    }
+    return files_.write(name, text);
+  }
+
+  Server& server_;
+  std::string zelk_;
+  std::string folder_;
+  WorkFolder files_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  constexpr int kSessions = 200;
+  constexpr int kTables = 500;
+  if (argc < 6) {
+    std::fputs(
+        "usage: server_cost ENGINE ZELK STATEMENTS SOCKET_FOLDER PROGRAMS"
+        " [SESSIONS [TABLES]]\n",
+        stderr);
+    return 2;
+  }
+  try {
+    const bench::Place place{argv[4], argv[5]};
+    const int sessions = argc > 6 ? std::atoi(argv[6]) : kSessions;
+    const int tables = argc > 7 ? std::atoi(argv[7]) : kTables;
+    const bool isMariadb = std::string(argv[1]) == "mariadb";
+    const auto server = isMariadb ? bench::loadMariadb(place, sessions, tables)
+                                  : bench::loadPostgresql(place, sessions, tables);
+    std::printf(
+        "%s: %d sessions on %d tables; ms of CPU, medians of %d, and zelk's over the client's\n"
+        "                statements     a refresh, client, ratio           "
+        "a program's run, client, ratio\n",
+        argv[1], sessions, tables, kTurns);
+    Bench bench(*server, argv[2], argv[3]);
+    for (const Section& section : kSections) bench.measure(section);
+    return 0;
+  } catch (const orv::Exception& failure) {
+    std::fprintf(stderr, "server_cost: %s\n", failure.getDescription().toBytes().c_str());
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "server_cost: %s\n", failure.what());
+  }
+  return 1;
+}
