@@ -58,5 +58,6 @@ orv::Reference<FileInfo::Handles> VXAMonitorHelper::getFileHandleInfoList(
         info.clientIndex, info.recordLockType, info.openMode, info.waitState, info.transactionState,
         textOf(info.clientName)));
   }
+  handles->shrinkToSize();
   return handles;
 }

@@ -91,5 +91,6 @@ orv::Reference<SessionInfo::Handles> VXAMonitorHelper::getSessionFileHandleInfoL
     check(status);
     handles->append(sessionHandleOf(info));
   }
+  handles->shrinkToSize();
   return handles;
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 
 namespace {
 
@@ -25,7 +24,7 @@ void FormatHelper::putError(const orv::String& message) { logger_->severe("ERROR
 
 void FormatHelper::putData(orv::String data, int tabs) {
   data.insert(0, countOf(tabs), L'\t');
-  logger_->info(std::move(data));
+  logger_->info(data);
 }
 
 void FormatHelper::putHeader(const orv::String& title, int tabs) {
@@ -33,5 +32,5 @@ void FormatHelper::putHeader(const orv::String& title, int tabs) {
   rule.append(title.length(), L'=');
   logger_->info(rule);
   logger_->info(getTabStr(tabs) + title.toUpper());
-  logger_->info(std::move(rule));
+  logger_->info(rule);
 }

@@ -78,11 +78,10 @@ void Logger::setLevel(const orv::String& name) {
   }
 }
 
-void Logger::log(Level level, orv::String message) {
-  if (level_ > level || handlers_.isEmpty()) return;
-  const orv::String line = std::move(message.append(1, L'\n'));
+void Logger::log(Level level, const orv::String& message) {
+  if (level_ > level) return;
   for (const auto& handler : handlers_) {
-    handler->print(line);
+    handler->println(message);
     handler->flush();
   }
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <utility>
 
 #include "orv/Object.h"
 #include "orv/Result.h"
@@ -48,14 +47,14 @@ class Logger : public orv::Object {
   // By the level's name, in any case; a name that is none turns all output off (deliberate).
   void setLevel(const orv::String& name);
 
-  void log(Level level, orv::String message);
-  void severe(orv::String message) { log(Level::kSevere, std::move(message)); }
-  void warning(orv::String message) { log(Level::kWarning, std::move(message)); }
-  void info(orv::String message) { log(Level::kInfo, std::move(message)); }
-  void config(orv::String message) { log(Level::kConfig, std::move(message)); }
-  void fine(orv::String message) { log(Level::kFine, std::move(message)); }
-  void finer(orv::String message) { log(Level::kFiner, std::move(message)); }
-  void finest(orv::String message) { log(Level::kFinest, std::move(message)); }
+  void log(Level level, const orv::String& message);
+  void severe(const orv::String& message) { log(Level::kSevere, message); }
+  void warning(const orv::String& message) { log(Level::kWarning, message); }
+  void info(const orv::String& message) { log(Level::kInfo, message); }
+  void config(const orv::String& message) { log(Level::kConfig, message); }
+  void fine(const orv::String& message) { log(Level::kFine, message); }
+  void finer(const orv::String& message) { log(Level::kFiner, message); }
+  void finest(const orv::String& message) { log(Level::kFinest, message); }
 
   // Turns a failure to create a file into orv::io::IoException, or into orv::ResultException when
   // the code has no text of its own.

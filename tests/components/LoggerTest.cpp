@@ -68,7 +68,7 @@ TEST_F(LoggerTest, WritesAMessageAtTheThresholdAndNoneBelow) {
 }
 
 TEST_F(LoggerTest, EachLevelHasItsMethod) {
-  using Method = void (Logger::*)(orv::String);
+  using Method = void (Logger::*)(const orv::String&);
   const Method methods[] = {&Logger::finest, &Logger::finer,   &Logger::fine,  &Logger::config,
                             &Logger::info,   &Logger::warning, &Logger::severe};
   logger_->addFileHandler(pathOf("log"));

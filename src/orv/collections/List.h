@@ -20,6 +20,8 @@ class List : public Object {
 
   void append(Element element) { elements_.push_back(std::move(element)); }
   void clear() noexcept { elements_.clear(); }
+  // Gives back the room for more elements; for a list that is complete.
+  void shrinkToSize() { elements_.shrink_to_fit(); }
 
   [[nodiscard]] std::size_t size() const noexcept { return elements_.size(); }
   [[nodiscard]] bool isEmpty() const noexcept { return elements_.empty(); }

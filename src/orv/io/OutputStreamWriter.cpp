@@ -63,6 +63,11 @@ void OutputStreamWriter::write(const String& text) {
   }
 }
 
+void OutputStreamWriter::write(wchar_t character) {
+  if (capacity_ - used_ < kMaximumBytesPerCharacter) flush();
+  used_ += encodeUtf8(character, buffer_.get() + used_);
+}
+
 void OutputStreamWriter::flush() {
   if (used_ > 0) stream_->write(std::string_view(buffer_.get(), std::exchange(used_, 0)));
 }

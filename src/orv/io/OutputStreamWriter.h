@@ -19,6 +19,7 @@ class OutputStreamWriter : public Object {
 
   // All throw IoException.
   void write(const String& text);
+  void write(wchar_t character);
   void flush();
   void close() { stream_->close(); }
 

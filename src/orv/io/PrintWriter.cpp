@@ -4,7 +4,7 @@ namespace orv::io {
 
 void PrintWriter::println(const String& text) {
   writer_->write(text);
-  writer_->write("\n");
+  writer_->write(L'\n');
   if (autoFlush_) flush();
 }
 
