@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "tal/failure.h"
+
 namespace tal::mariadb {
 namespace {
 
@@ -97,7 +99,9 @@ void addHandles(const TableUse& use, bool locksAllItsTables, const TableFiles& f
   handle.waitState = waitStateOf(use, storage, nullptr);
   handle.transactionState = transactionStateOf(use, storage);
   if (storage == Storage::kUnknown) handles.push_back(handle);
-  for (const std::size_t index : files.of(use.table)) {
+  const std::vector<std::size_t>& indexes = files.of(use.table);
+  if (handles.size() + indexes.size() > kMostHandles) throw Failure(Status::kServerError);
+  for (const std::size_t index : indexes) {
     handle.file = index;
     handle.waitState = waitStateOf(use, storage, &files.file(index));
     handles.push_back(handle);

@@ -1,6 +1,7 @@
 // The handles that the reports show, made of who uses which table and where its data is.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <vector>
 
@@ -20,8 +21,12 @@ struct TableHandle {
   std::uint16_t transactionState = transaction_state::kUnknown;
 };
 
+// More handles than a server at work has. Those of a table are as many as its files times its
+// users, so that a short answer of a hostile server could fill the memory with them.
+inline constexpr std::size_t kMostHandles = 1'000'000;
+
 // The handles in the order of `uses`, which must be sorted by connection as mergeLocks() leaves
-// them, and must outlive the result.
+// them, and must outlive the result. Throws Failure(kServerError) for more than kMostHandles.
 std::vector<TableHandle> handlesOf(const std::vector<TableUse>& uses, const TableFiles& files);
 
 }  // namespace tal::mariadb

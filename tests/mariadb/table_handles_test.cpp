@@ -203,5 +203,27 @@ TEST(TableHandlesTest, RowsOfNullsAreCarried) {
   EXPECT_EQ(handlesIn({std::vector<Cell>(14), {"M"}, {}}), "0  1 78 2 0\n");
 }
 
+// As many users of a table with 1000 files.
+std::size_t handlesOfUsers(std::int64_t users) {
+  const std::vector<DataFile> files(1000, innodbFile("t", "t.ibd", 5));
+  std::vector<TableUse> uses;
+  for (std::int64_t user = 0; user < users; ++user) {
+    TableUse& use = uses.emplace_back();
+    use.owner.connection = user;
+    use.table = *files.front().table;
+  }
+  return handlesOf(uses, TableFiles(files)).size();
+}
+
+TEST(TableHandlesTest, FilesTimesUsersHaveALimit) {
+  EXPECT_EQ(handlesOfUsers(1000), kMostHandles);
+  try {
+    handlesOfUsers(1001);
+    ADD_FAILURE() << "no limit";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.status(), Status::kServerError);
+  }
+}
+
 }  // namespace
 }  // namespace tal::mariadb
