@@ -6,7 +6,9 @@
 #include <climits>
 #include <cstdio>
 #include <string>
+#include <string_view>
 
+#include "tal/failure.h"
 #include "tal/text.h"
 
 namespace tal {
