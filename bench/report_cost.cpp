@@ -4,7 +4,6 @@
 //   report_cost ZELK FLOOR NOTHING [MOST_HANDLES]
 #include <cstddef>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <string>
 
@@ -161,7 +160,7 @@ int main(int argc, char** argv) {
   try {
     Reports reports(argv[1], argv[2]);
     constexpr long kMostHandles = 1'000'000;
-    measureAll(reports, {argv[3]}, argc > 4 ? std::atol(argv[4]) : kMostHandles);
+    measureAll(reports, {argv[3]}, argc > 4 ? std::stol(argv[4]) : kMostHandles);
     return 0;
   } catch (const std::exception& failure) {
     std::fprintf(stderr, "report_cost: %s\n", failure.what());

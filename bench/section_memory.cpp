@@ -2,7 +2,6 @@
 // the most, and after it, as a run has it that waits for its next refresh.
 //   section_memory [HANDLES]
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <stdexcept>
 #include <string>
@@ -53,7 +52,7 @@ void measure(long handles) {
 int main(int argc, char** argv) {
   constexpr long kHandles = 1'000'000;
   try {
-    measure(argc > 1 ? std::atol(argv[1]) : kHandles);
+    measure(argc > 1 ? std::stol(argv[1]) : kHandles);
     return 0;
   } catch (const orv::Exception& failure) {
     std::fprintf(stderr, "section_memory: %s\n", failure.getDescription().toBytes().c_str());

@@ -7,7 +7,6 @@
 #include <sys/resource.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -160,8 +159,8 @@ int main(int argc, char** argv) {
   }
   try {
     const bench::Place place{argv[4], argv[5]};
-    const int sessions = argc > 6 ? std::atoi(argv[6]) : kSessions;
-    const int tables = argc > 7 ? std::atoi(argv[7]) : kTables;
+    const int sessions = argc > 6 ? std::stoi(argv[6]) : kSessions;
+    const int tables = argc > 7 ? std::stoi(argv[7]) : kTables;
     const bool isMariadb = std::string(argv[1]) == "mariadb";
     const auto server = isMariadb ? bench::loadMariadb(place, sessions, tables)
                                   : bench::loadPostgresql(place, sessions, tables);
