@@ -52,6 +52,19 @@ TEST(OutputStreamWriter, NeverCutsACharacter) {
             (Writes{"a", "\xF0\x9F\x98\x80", "\xC3\xA4", "\xE2\x82\xAC", "\xFF"}));
 }
 
+TEST(OutputStreamWriter, TakesCharactersOneByOne) {
+  const auto stream = makeReference<RecordingOutputStream>();
+  OutputStreamWriter writer(stream, 1);
+
+  for (const wchar_t character : {L'a', L'\xE4', L'\x20AC', L'\x1F600', L'\xDCFF'}) {
+    writer.write(character);
+  }
+  writer.flush();
+
+  EXPECT_EQ(stream->writes(),
+            (Writes{"a", "\xC3\xA4", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xFF"}));
+}
+
 TEST(OutputStreamWriter, KeepsALongTextWhole) {
   const std::string text(100000, 'x');
   const auto stream = makeReference<RecordingOutputStream>();
