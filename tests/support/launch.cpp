@@ -2,12 +2,12 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <stdlib.h>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -80,6 +80,17 @@ bool dropPrivileges(const Command& command) {
   return !command.withoutPrivileges || geteuid() != 0 || setuid(kNobody) == 0;
 }
 
+// What is run: the program with its arguments. The program under test is given to ZELK_WRAPPER, if
+// that is set.
+std::vector<std::string> commandLine(const Command& command) {
+  std::vector<std::string> words;
+  const char* const wrapper = std::getenv("ZELK_WRAPPER");
+  if (wrapper != nullptr && command.program.filename() == "zelk") words.emplace_back(wrapper);
+  words.push_back(command.program.string());
+  words.insert(words.end(), command.arguments.begin(), command.arguments.end());
+  return words;
+}
+
 [[noreturn]] void refuse(const std::string& program) {
   const std::string message = "cannot run " + program + "\n";
   static_cast<void>(!write(STDERR_FILENO, message.data(), message.size()));
@@ -89,9 +100,8 @@ bool dropPrivileges(const Command& command) {
 }  // namespace
 
 pid_t launch(const Command& command, const std::array<int, 3>& standardFiles) {
-  const std::string program = command.program.string();
-  std::vector<std::string> arguments{program};
-  arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
+  std::vector<std::string> arguments = commandLine(command);
+  const std::string& program = arguments.front();
   std::vector<std::string> environment = changedEnvironment(command);
   const std::vector<char*> argumentPointers = pointersTo(arguments);
   const std::vector<char*> environmentPointers = pointersTo(environment);

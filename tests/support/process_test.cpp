@@ -3,6 +3,7 @@
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <stdlib.h>
 
 #include <filesystem>
 #include <optional>
@@ -131,6 +132,19 @@ TEST(Process, BreaksThePipeOfItsOutput) {
   process.write("go\n");
 
   EXPECT_EQ(process.wait(), Ending::killedBy(SIGPIPE));
+}
+
+TEST(Process, RunsTheProgramUnderTestBehindAWrapper) {
+  setenv("ZELK_WRAPPER", "echo", 1);
+
+  const Result wrapped = run({
+      .program = "/nowhere/zelk", .arguments = {"-f", "zelk.cfg"}
+  });
+  const Result other = run(shell("echo as it is"));
+
+  unsetenv("ZELK_WRAPPER");
+  EXPECT_EQ(wrapped.output, "/nowhere/zelk -f zelk.cfg\n");
+  EXPECT_EQ(other.output, "as it is\n");
 }
 
 TEST(Process, TellsThatAProgramIsMissing) {
