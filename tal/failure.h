@@ -13,7 +13,6 @@ class Failure : public std::exception {
   explicit Failure(Status status) noexcept : status_(status) {}
 
   [[nodiscard]] Status status() const noexcept { return status_; }
-  [[nodiscard]] const char* what() const noexcept override { return "engine failure"; }
 
  private:
   Status status_;

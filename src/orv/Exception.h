@@ -19,7 +19,6 @@ class Exception : public std::exception {
 
   [[nodiscard]] const String& getDescription() const noexcept { return description_; }
   [[nodiscard]] Result getResult() const noexcept { return result_; }
-  [[nodiscard]] const char* what() const noexcept override { return "orv::Exception"; }
 
  private:
   String description_;

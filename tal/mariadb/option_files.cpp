@@ -84,10 +84,10 @@ void addOption(std::string_view line, Options& options) {
   options[name] = withoutEscapes(withoutQuotes(withoutComment(value)));
 }
 
-// "" when the line opens no group.
+// Of a line that begins with "["; "" when it opens no group.
 std::string_view groupOpenedBy(std::string_view line) {
   const std::size_t close = line.find(']');
-  if (!line.starts_with('[') || close == std::string_view::npos) return {};
+  if (close == std::string_view::npos) return {};
   return trimmed(line.substr(1, close - 1));
 }
 

@@ -1,5 +1,7 @@
 #include "output/Logger.h"
 
+#include <unistd.h>
+
 #include <filesystem>
 #include <iterator>
 #include <string>
@@ -199,6 +201,17 @@ TEST_F(LoggerTest, ClosesItsFileAtTheEndOfItsLife) {
   EXPECT_EQ(openDescriptors(), before);
 }
 
+TEST_F(LoggerTest, EndsItsLifeQuietlyIfItsFileCannotBeClosed) {
+  const int next = ::dup(STDERR_FILENO);  // what the file will open as
+  ::close(next);
+  logger_->addFileHandler(pathOf("log"));
+  ASSERT_EQ(::close(next), 0);
+
+  logger_ = {};
+
+  EXPECT_EQ(logged(), "");
+}
+
 TEST_F(LoggerTest, SaysWhichFileCannotBeCreatedAndWhy) {
   std::filesystem::create_symlink("missing/target", folder_ / "dangling");
 
@@ -214,15 +227,25 @@ TEST_F(LoggerTest, PutsTheCurrentFolderBeforeABareNameThatCannotBeOpened) {
             "cannot create [" + (folder_ / "dangling").string() + "]: not there (0x80070002)");
 }
 
+TEST_F(LoggerTest, LeavesABareNameAloneWhereTheCurrentFolderIsGone) {
+  std::filesystem::create_directory(folder_ / "gone");
+  const CurrentFolder current(folder_ / "gone");
+  std::filesystem::remove(folder_ / "gone");
+
+  EXPECT_EQ(refusalOf("log"), "cannot create [log]: not there (0x80070002)");
+}
+
 TEST_F(LoggerTest, AFailureWithoutATextOfItsOwnKeepsItsCode) {
   writeFile(folder_ / "file", "");
+  std::filesystem::create_symlink("missing", folder_ / "dangling");
   struct Row {
     const char* name;
     unsigned code;  // 0x80070000 plus errno
   };
   const Row rows[] = {
-      {"",         0x80070015U}, // the folder itself: EISDIR
-      {"file/log", 0x80070011U}, // a folder where the file is: EEXIST
+      {"",             0x80070015U}, // the folder itself: EISDIR
+      {"file/log",     0x80070011U}, // a folder where the file is: EEXIST
+      {"dangling/log", 0x80070011U}, // the same where a link leads nowhere
   };
 
   for (const Row& row : rows) {

@@ -76,6 +76,7 @@ TEST(MessageFormat, ConversionsThatCouldReadOrWriteAnywhere) {
       {"%2048d",                  {kInteger}          },
       {"%.2048d",                 {kInteger}          },
       {"%999999999d",             {kInteger}          },
+      {"%2048.3d",                {kInteger}          },
       {"%999999999s",             {kText}             },
       {"%.999999999d",            {kInteger}          },
       {"%99999999999999999999d",  {kInteger}          },

@@ -165,6 +165,12 @@ TEST_F(MonitorLoops, TheManualLoopCountsBadBytesAllTogether) {
   EXPECT_EQ(runManually(typed + "q"), "\ntype r or q\nbad input\n");
 }
 
+TEST_F(MonitorLoops, TheManualLoopEndsAtALimitOfKeys) {
+  config_.refreshLimit = 3;
+
+  EXPECT_EQ(runManually("xyrr"), "\ntype r or q\n\ntype r or qgood bye\n");
+}
+
 TEST_F(MonitorLoops, TheManualLoopEndsWithItsInput) {
   EXPECT_EQ(runManually(""), "\ntype r or q\nbad input\n");
 }

@@ -18,11 +18,12 @@ void require(bool done) {
   if (!done) throw std::system_error(errno, std::generic_category());
 }
 
-FileDescriptor boundSocket() {
+FileDescriptor boundSocket(const char* host = "127.0.0.1", std::uint16_t port = 0) {
   FileDescriptor result(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   sockaddr_in address{};
   address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  address.sin_port = htons(port);
+  require(::inet_pton(AF_INET, host, &address.sin_addr) == 1);
   require(::bind(result.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) ==
           0);
   return result;
@@ -39,7 +40,8 @@ std::uint16_t portOf(const FileDescriptor& socket) {
 
 std::uint16_t freePort() { return portOf(boundSocket()); }
 
-SilentListener::SilentListener() : listener_(boundSocket()), port_(portOf(listener_)) {
+SilentListener::SilentListener(const char* host, std::uint16_t port)
+    : listener_(boundSocket(host, port)), port_(portOf(listener_)) {
   require(::listen(listener_.number(), 8) == 0);
 }
 

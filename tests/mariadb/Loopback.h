@@ -12,10 +12,11 @@ namespace mariadb_testing {
 // A port of 127.0.0.1 on which nobody listens.
 std::uint16_t freePort();
 
-// Listens on a port of 127.0.0.1. Connections are made, and nothing is ever said on them.
+// Listens on a port of this machine, a free one unless it is named. Connections are made, and
+// nothing is ever said on them.
 class SilentListener {
  public:
-  SilentListener();
+  explicit SilentListener(const char* host = "127.0.0.1", std::uint16_t port = 0);
 
   [[nodiscard]] std::uint16_t port() const { return port_; }
 

@@ -142,6 +142,7 @@ TEST(PeerTest, AddressesAndSites) {
       {"far.example:1",   {},                 "far.example",      site::kRemote},
       {"",                {},                 "",                 site::kLocal },
       {":",               {},                 ":",                site::kLocal },
+      {"near:far",        {},                 "near:far",         site::kLocal },
   };
   for (const PeerRow& row : rows) {
     const Peer peer{.hostAndPort = row.hostAndPort, .ip = row.ip};

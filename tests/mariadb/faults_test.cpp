@@ -3,6 +3,8 @@
 
 #include <chrono>
 
+#include "tal/mariadb/connection.h"
+#include "tal/mariadb/location.h"
 #include "tal/mariadb/mariadb.h"
 #include "tests/mariadb/Loopback.h"
 #include "tests/mariadb/ServerTest.h"
@@ -39,6 +41,23 @@ TEST_F(FaultsTest, EndedSessionIsOpenedAgain) {
   EXPECT_GE(after.files.peak, before.files.current);
   EXPECT_NE(admin_.value(own), first);
   EXPECT_EQ(admin_.column(own).size(), 1U);
+}
+
+// Each row is more than the server keeps back before it sends.
+TEST_F(FaultsTest, SlowAnswersArriveWhole) {
+  const tal::sql::Deadline deadline(tal::sql::kCallLimit);
+  tal::mariadb::Connection connection(tal::mariadb::parseLocation(locationOf(server_)),
+                                      {"zelk", "secret"}, {}, deadline);
+
+  tal::mariadb::Result rows = connection.query(
+      "SELECT REPEAT('x', 100000), SLEEP(0.05) UNION ALL SELECT REPEAT('y', 100000), SLEEP(0.05)",
+      deadline);
+
+  ASSERT_TRUE(rows.next());
+  EXPECT_EQ(rows.cell(0), std::string(100000, 'x'));
+  ASSERT_TRUE(rows.next());
+  EXPECT_EQ(rows.cell(0), std::string(100000, 'y'));
+  EXPECT_FALSE(rows.next());
 }
 
 TEST_F(FaultsTest, FrozenServer) {

@@ -7,6 +7,7 @@
 #include "tests/mariadb/Loopback.h"
 #include "tests/mariadb/ServerTest.h"
 #include "tests/support/frozen.h"
+#include "tests/sql/FakeHost.h"
 #include "tests/support/temporary_folder.h"
 
 namespace mariadb_testing {
@@ -87,6 +88,30 @@ TEST_F(LoginTest, NobodyThere) {
   EXPECT_EQ(statusOfLogin("no-such-host.invalid", "zelk"), Status::kCannotReach);
 }
 
+TEST_F(LoginTest, EachAddressOfAHostIsTried) {
+  const sql_testing::FakeHost host("shop", {"127.0.0.2", "127.0.0.3", "127.0.0.1"});
+  const sql_testing::FakeHost gone("gone", {"127.0.0.2", "127.0.0.3"});
+  const std::string port = locationOf(server_).substr(std::string("127.0.0.1").size());
+
+  EXPECT_EQ(statusOfLogin("shop" + port, "zelk"), Status::kSuccess);
+  EXPECT_EQ(statusOfLogin("gone" + port, "zelk"), Status::kCannotReach);
+}
+
+TEST_F(LoginTest, SilentAddressDoesNotHideTheOthers) {
+  const std::string port = locationOf(server_).substr(std::string("127.0.0.1:").size());
+  const SilentListener silent("127.0.0.2", static_cast<std::uint16_t>(std::stoi(port)));
+  const sql_testing::FakeHost host("shop", {"127.0.0.2", "127.0.0.1"});
+
+  EXPECT_EQ(statusOfLogin("shop:" + port, "zelk"), Status::kSuccess);
+}
+
+TEST_F(LoginTest, TheFirstAddressThatAnswersDecides) {
+  const sql_testing::FakeHost host("shop", {"127.0.0.1", "127.0.0.2"});
+  const std::string port = locationOf(server_).substr(std::string("127.0.0.1").size());
+
+  EXPECT_EQ(statusOfLogin("shop" + port, "zelk", "wrong"), Status::kLoginRefused);
+}
+
 TEST_F(LoginTest, SomethingElseThere) {
   const ForeignListener foreign("SSH-2.0-OpenSSH_9.2p1 Debian-2\r\n");
 
@@ -99,14 +124,29 @@ std::string packet(char number, const std::string& content) {
   return std::string{static_cast<char>(content.size()), '\0', '\0', number} + content;
 }
 
+std::string greetingOf(const std::string& version) {
+  using namespace std::string_literals;
+  const std::string salt(8, 's');
+  return packet(0, "\x0a"s + version + "\0"s + "\7\0\0\0"s + salt + "\0"s + "\x00\xa2"s + "\x2d"s +
+                       "\2\0"s + "\x08\0"s + "\x15"s + std::string(10, '\0') +
+                       std::string(12, 's') + "\0"s + "mysql_native_password\0"s);
+}
+
 // The words of a server that asks at once for another way to log in.
 std::string greetingThatAsksFor(const std::string& way) {
   using namespace std::string_literals;
-  const std::string salt(8, 's');
-  return packet(0, "\x0a"s + "5.5.5-10.11.9-MariaDB\0"s + "\7\0\0\0"s + salt + "\0"s + "\x00\xa2"s +
-                       "\x2d"s + "\2\0"s + "\x08\0"s + "\x15"s + std::string(10, '\0') +
-                       std::string(12, 's') + "\0"s + "mysql_native_password\0"s) +
-         packet(2, "\xfe"s + way + "\0"s);
+  return greetingOf("5.5.5-10.11.9-MariaDB") + packet(2, "\xfe"s + way + "\0"s);
+}
+
+TEST_F(LoginTest, OtherServersAreNotAsked) {
+  const std::string welcome = packet(2, std::string("\0\0\0\2\0\0\0", 7));
+  for (const char* const version : {"5.5.5-10.5.27-MariaDB", "8.0.36"}) {
+    const ForeignListener server(greetingOf(version) + welcome);
+
+    EXPECT_EQ(statusOfLogin("127.0.0.1:" + std::to_string(server.port()), "zelk"),
+              Status::kVersionNotSupported)
+        << version;
+  }
 }
 
 TEST_F(LoginTest, PasswordIsGivenToNobodyWhoAsksForIt) {

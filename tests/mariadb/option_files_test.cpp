@@ -1,6 +1,7 @@
 #include "tal/mariadb/option_files.h"
 
 #include <gtest/gtest.h>
+#include <stdlib.h>
 
 #include "tal/failure.h"
 #include "tal/mariadb/encryption.h"
@@ -43,6 +44,7 @@ constexpr Line kLines[] = {
     {"password=a\\qb",                "a\\qb"             },
     {"password=ends\\",               "ends\\"            },
     {"password=\"",                   "\""                },
+    {"password=aba",                  "aba"               },
     {"password=gr\xc3\xbc\xc3\x9f",   "gr\xc3\xbc\xc3\x9f"},
     {"password=first\npassword=last", "last"              },
 };
@@ -122,6 +124,26 @@ TEST_F(OptionFilesTest, FilesThatEveryoneMayWriteAreSkipped) {
   fs::permissions(folder_ / "my.cnf", fs::perms(0666));
 
   EXPECT_EQ(readOptions("zelk", {folder_ / "my.cnf"}), Options{});
+}
+
+TEST(StandardOptionFilesTest, AreTheMachinesAndTheUsers) {
+  const char* const home = ::getenv("HOME");
+  const std::string before = home == nullptr ? "" : home;
+  const std::vector<fs::path> machines{"/etc/my.cnf", "/etc/mysql/my.cnf"};
+
+  ::setenv("HOME", "/home/anna", 1);
+  std::vector<fs::path> files = standardOptionFiles();
+  ::setenv("HOME", "", 1);
+  const std::vector<fs::path> filesOfNobody = standardOptionFiles();
+  ::unsetenv("HOME");
+  const std::vector<fs::path> filesWithoutHome = standardOptionFiles();
+  ::setenv("HOME", before.c_str(), 1);
+
+  EXPECT_EQ(files.back(), "/home/anna/.my.cnf");
+  files.pop_back();
+  EXPECT_EQ(files, machines);
+  EXPECT_EQ(filesOfNobody, machines);
+  EXPECT_EQ(filesWithoutHome, machines);
 }
 
 struct EncryptionRow {

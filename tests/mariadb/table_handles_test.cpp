@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tal/mariadb/clients.h"
 #include "tests/sql/Table.h"
 
 namespace tal::mariadb {
@@ -195,6 +196,21 @@ TEST(TableHandlesTest, WaitForATableLevelLockConcernsOtherEngines) {
             "1 m.MYD 248 78 2 0\n"
             "1 m.MYI 248 78 2 0\n"
             "1 t.ibd 0 78 0 0\n");
+}
+
+// It came or went between the two statements.
+TEST(TableHandlesTest, ConnectionThatIsNotListedIsLeftOut) {
+  const std::vector<DataFile> files = {innodbFile("t", "t.ibd", 5)};
+  const TableFiles tableFiles(files);
+  Table table({lockRow("4", "t", "SHARED_READ", "1"), lockRow("5", "t", "SHARED_READ", "1")});
+  const std::vector<TableUse> uses = mergeLocks(decodeLocks(table, kOwn).locks);
+  std::vector<ClientRow> listed(1);
+  listed[0].connection = 5;
+
+  const std::vector<Client> clients = clientsOf(listed, handlesOf(uses, tableFiles), tableFiles);
+
+  ASSERT_EQ(clients.size(), 1U);
+  EXPECT_EQ(clients[0].handles.size(), 1U);
 }
 
 TEST(TableHandlesTest, NoLocksNoHandles) { EXPECT_EQ(handlesIn({}), ""); }

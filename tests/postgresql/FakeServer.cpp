@@ -52,6 +52,11 @@ std::string error(const std::string& sqlState) {
                           terminated("Mno reason given") + '\0');
 }
 
+std::string notice() {
+  return message('N', terminated("SNOTICE") + terminated("VNOTICE") + terminated("C00000") +
+                          terminated("Mno news") + '\0');
+}
+
 std::string ready() { return message('Z', "I"); }
 
 std::string welcome(const std::string& version) {

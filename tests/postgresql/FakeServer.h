@@ -14,6 +14,7 @@ namespace testing_support {
 namespace protocol {
 std::string message(char type, const std::string& body);
 std::string error(const std::string& sqlState);
+std::string notice();
 std::string ready();
 // What a server says when a login succeeds.
 std::string welcome(const std::string& version);

@@ -11,6 +11,7 @@
 #include "tal/postgresql/postgresql.h"
 #include "tests/postgresql/FakeServer.h"
 #include "tests/postgresql/ServerTest.h"
+#include "tests/sql/FakeHost.h"
 #include "tests/support/temporary_folder.h"
 
 namespace testing_support {
@@ -107,6 +108,22 @@ TEST_F(LoginTest, FailsWhereNobodyListens) {
   // Too long for a label: known to be no host without asking anybody.
   EXPECT_EQ(login(std::string(64, 'x') + ".invalid", user("zelk")), Status::kCannotReach);
   EXPECT_EQ(login("", user("zelk")), Status::kBadServerName);
+}
+
+TEST_F(LoginTest, TriesEachAddressOfAHost) {
+  const sql_testing::FakeHost host("shop", {"127.0.0.2", "127.0.0.3", "127.0.0.1"});
+  const sql_testing::FakeHost gone("gone", {"127.0.0.2", "127.0.0.3"});
+  const std::string rest = ':' + std::to_string(server_.port()) + "/app";
+
+  EXPECT_EQ(login("shop" + rest, user("zelk")), Status::kSuccess);
+  EXPECT_EQ(login("gone" + rest, user("zelk")), Status::kCannotReach);
+}
+
+TEST_F(LoginTest, TakesTheReasonOfTheFirstAddressThatAnswers) {
+  const sql_testing::FakeHost host("shop", {"127.0.0.1", "127.0.0.2"});
+
+  EXPECT_EQ(login("shop:" + std::to_string(server_.port()) + "/app", {"zelk", "wrong"}),
+            Status::kLoginRefused);
 }
 
 // The status of a login that insists on encryption, as one from elsewhere does.
@@ -220,6 +237,18 @@ TEST_F(LoginTest, FailsWithAFakeServersReason) {
     EXPECT_EQ(login("127.0.0.1:" + std::to_string(fake.port()), user("zelk")), row.status)
         << row.answer;
   }
+}
+
+TEST_F(LoginTest, KeepsNoticesFromTheTerminal) {
+  const FakeServer server({protocol::welcome("15.6"), protocol::notice() + protocol::prepared(),
+                           protocol::rows({{"t"}})},
+                          FakeServer::AtEnd::kSilent);
+  ::testing::internal::CaptureStderr();
+
+  const Status status = login("127.0.0.1:" + std::to_string(server.port()), user("zelk"));
+
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+  EXPECT_EQ(status, Status::kSuccess);
 }
 
 }  // namespace

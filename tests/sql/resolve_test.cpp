@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "tal/failure.h"
+#include "tests/sql/FakeHost.h"
 
 namespace tal::sql {
 namespace {
@@ -35,6 +36,23 @@ TEST(ResolveTest, UnknownHost) {
     ADD_FAILURE() << "the host has an address";
   } catch (const Failure& failure) {
     EXPECT_EQ(failure.status(), Status::kCannotReach);
+  }
+}
+
+TEST(ResolveTest, EachAddressOfAHostOnce) {
+  const sql_testing::FakeHost host("shop", {"127.0.0.2", "127.0.0.1", "127.0.0.2"});
+
+  EXPECT_EQ(resolveHost("shop", later()), (Texts{"127.0.0.2", "127.0.0.1"}));
+}
+
+TEST(ResolveTest, SilenceEndsInTime) {
+  const sql_testing::SilentHost host("silent");
+
+  try {
+    resolveHost("silent", Deadline(std::chrono::milliseconds(10)));
+    ADD_FAILURE() << "the host has an address";
+  } catch (const Failure& failure) {
+    EXPECT_EQ(failure.status(), Status::kNoAnswer);
   }
 }
 

@@ -126,6 +126,7 @@ TEST(ScenarioErrors, NameTheLineOfWhatIsNotToml) {
   expectLine(3, "[version]\n[usage]\n[version]\n");
   expectLine(1, "a = \n");
   expectLine(2, "[[file]]\nname = 'never closed\n");
+  expectLine(2, "[[file]]\nname = 'never closed");
   expectLine(1, "[version\n");
   expectLine(2, "[version]\nmajor = 99999999999999999999\n");
   expectLine(2, "# fine\n\xff\xfe = 1\n");
@@ -136,6 +137,12 @@ std::string repeated(std::string_view text, int times) {
   std::string result;
   for (int time = 0; time < times; ++time) result += text;
   return result;
+}
+
+TEST(ScenarioErrors, RefuseAListThatIsTooLong) {
+  expectProblem("[version]\nmajor = [" + repeated("1,", 10'001) + "]\n",
+                numberProblem("shop:2: \"major\" is a list; expected a whole number from "
+                              "-2147483648 to 2147483647"));
 }
 
 TEST(ScenarioErrors, NameTheLineOfABadByte) {

@@ -103,6 +103,17 @@ task_number = { start = 10, step = 1, each = 100 }
   EXPECT_EQ(clients[2].taskNumber, 211);
 }
 
+TEST(Scenario, SumsStopAtTheEndsOfTheirRange) {
+  using Limits = std::numeric_limits<std::int64_t>;
+  constexpr std::int64_t kLargest = 4294967295;  // of a step
+
+  EXPECT_EQ(sim::saturatingSum(7, kLargest, 3), 7 + 3 * kLargest);
+  EXPECT_EQ(sim::saturatingSum(7, kLargest, kLargest), Limits::max());
+  EXPECT_EQ(sim::saturatingSum(-7, -kLargest, kLargest), Limits::min());
+  EXPECT_EQ(sim::saturatingSum(Limits::max(), 1, 1), Limits::max());
+  EXPECT_EQ(sim::saturatingSum(Limits::min(), -1, 1), Limits::min());
+}
+
 struct TextCase {
   const char* value;
   std::string third;
@@ -116,6 +127,7 @@ TEST(Scenario, FillsPlaceholdersInTexts) {
       {"'{owner}'",         "1"              },
       {"'{xFF}{xe4}'",      "\xff\xe4"       },
       {"'{x1}{x123}{xG0}'", "{x1}{x123}{xG0}"},
+      {"'{x0G}{abc}'",      "{x0G}{abc}"     },
       {"'{other} {n}'",     "{other} 3"      },
       {"'{{n}}'",           "{3}"            },
       {"'{'",               "{"              },

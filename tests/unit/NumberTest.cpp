@@ -38,7 +38,8 @@ TEST(Number, GivesZeroForAnythingElse) {
   constexpr std::string_view kNoNumbers[] = {
       ""sv,   " "sv,   "+"sv,   "-"sv,   "+-1"sv, "-+1"sv, "--1"sv,          "1 "sv,       " 1"sv,
       "1x"sv, "x1"sv,  "0x1"sv, "1.0"sv, "1e3"sv, "1,0"sv, "\xD9\xA1"sv,     "1\xFF"sv,    "1\0"sv,
-      "\0"sv, "+ 1"sv, "1-"sv,  "1\n"sv, "inf"sv, "nan"sv, "\xEF\xBC\x91"sv, "\xC2\xB9"sv,
+      "\0"sv, "+ 1"sv, "1-"sv,  "1\n"sv, "inf"sv, "nan"sv, "\xEF\xBC\x91"sv, "\xC2\xB9"sv, "+/"sv,
+      "+:"sv,
   };
 
   for (const std::string_view text : kNoNumbers) {

@@ -82,6 +82,10 @@ TEST(StringBundle, ReadsEscapes) {
       {R"(k=\u12)",               "u12"                  }, // too few digits
       {R"(k=\u12g4)",             "u12g4"                },
       {R"(k=\u)",                 "u"                    },
+      {R"(k=\u00/0\u00:0)",       "u00/0u00:0"           }, // beside the digits
+      {R"(k=\u00@0\u00G0\u00`0)", "u00@0u00G0u00`0"      },
+      {R"(k=\uE000)",             "\xEE\x80\x80"         }, // behind the surrogates
+      {R"(k=\uD83D\uE000)",       "?\xEE\x80\x80"        },
       {R"(k=\U0041)",             "U0041"                },
   };
 
@@ -161,7 +165,8 @@ TEST(StringBundle, NeverLeavesItsFolderForALanguage) {
   folder.add("B.properties", "k=fallback\n");
   folder.add("evil.properties", "k=evil\n");
 
-  for (const char* locale : {"x/../evil", "../evil", "/etc/passwd", "x\n", "\xC3\xA4"}) {
+  for (const char* locale :
+       {"x/../evil", "../evil", "/etc/passwd", "x\n", "x[", "x`", "x{", "\xC3\xA4"}) {
     EXPECT_EQ(StringBundle::getBundle("B", locale)->getString("k"), "fallback") << locale;
   }
 }
