@@ -6,8 +6,8 @@
 #include "tal/sql/system_user.h"
 #include "tests/mariadb/Loopback.h"
 #include "tests/mariadb/ServerTest.h"
-#include "tests/support/frozen.h"
 #include "tests/sql/FakeHost.h"
+#include "tests/support/frozen.h"
 #include "tests/support/temporary_folder.h"
 
 namespace mariadb_testing {
