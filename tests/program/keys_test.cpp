@@ -146,6 +146,7 @@ TEST_F(Keys, EndTheTimedLoopWith26BadBytesInARow) {
 // refresh, so that the two texts may stand in either order.
 class NoKeyboard : public Keys, public ::testing::WithParamInterface<Input> {};
 
+// The keyboard may be found missing before the first report or after it.
 TEST_P(NoKeyboard, EndsTheTimedLoop) {
   configureTimed();
 
@@ -153,7 +154,6 @@ TEST_P(NoKeyboard, EndsTheTimedLoop) {
 
   EXPECT_EQ(result.ending, Ending::exit(0));
   EXPECT_EQ(result.error, "");
-  EXPECT_NE(result.output.find(kIdleResources), std::string::npos) << result.output;
   EXPECT_NE(result.output.find(kInputError), std::string::npos) << result.output;
   EXPECT_EQ(result.output.find(kExit), std::string::npos) << result.output;
 }
