@@ -30,7 +30,7 @@ void ItemBudget::take(std::uint64_t items, std::uint64_t owners, std::uint64_t t
 }
 
 void readGauge(TableReader& table, std::string_view key, GaugeValues& gauge) {
-  std::optional<TableReader> values = table.table(key, "\"" + std::string(key) + "\"");
+  std::optional<TableReader> values = table.table(key, std::string("\"").append(key) + "\"");
   if (!values) return;
   values->read("current", gauge.current);
   values->read("peak", gauge.peak);
