@@ -21,30 +21,31 @@ std::size_t linesIn(const std::string& path) {
 
 void Reports::setHandles(long handles) {
   handles_ = handles;
-  folder_.write("scenario.toml", scenario(handles));
+  testing_support::writeFile(folder_ / "scenario.toml", scenario(handles));
 }
 
 Command Reports::report(const Form& form) {
-  const std::string path =
-      folder_.write("zelk.cfg", configuration({
-                                    {"SERV", "sim:" + folder_.file("scenario.toml")},
-                                    {"OUTP", form.toFile ? "FILE" : "CONSOLE"      },
-                                    {"NAME", folder_.file("zelk.log")              },
-                                    {"FILE", handles_ > 0 ? "YES" : "NO"           }
+  const std::filesystem::path file = folder_ / "zelk.cfg";
+  const std::string scenario = folder_ / "scenario.toml";
+  testing_support::writeFile(file, configuration({
+                                       {"SERV", "sim:" + scenario               },
+                                       {"OUTP", form.toFile ? "FILE" : "CONSOLE"},
+                                       {"NAME", folder_ / "zelk.log"            },
+                                       {"FILE", handles_ > 0 ? "YES" : "NO"     }
   }));
-  Command words{zelk_, "-f", path, "-runonce"};
+  Command words{zelk_, "-f", file, "-runonce"};
   if (form.json) words.emplace_back("-JSON");
   return words;
 }
 
 Command Reports::floor(const Form& form) const {
-  return {floor_, folder_.file("lines"), form.toFile ? folder_.file("zelk.log") : "-"};
+  return {floor_, folder_ / "lines", form.toFile ? (folder_ / "zelk.log").string() : "-"};
 }
 
 std::size_t Reports::makeLines(bool json) {
   runChecked(report({"", json, true, Output::kDevNull}), Output::kDevNull);
-  std::filesystem::rename(folder_.file("zelk.log"), folder_.file("lines"));
-  return linesIn(folder_.file("lines"));
+  std::filesystem::rename(folder_ / "zelk.log", folder_ / "lines");
+  return linesIn(folder_ / "lines");
 }
 
 Cost runChecked(const Command& command, Output output) {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "bench/child.h"
-#include "bench/work_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace bench {
 
@@ -36,12 +36,12 @@ class Reports {
   // Makes the lines of the report in this form; returns how many they are.
   std::size_t makeLines(bool json);
 
-  [[nodiscard]] std::string scratch() const { return folder_.file("scratch"); }
+  [[nodiscard]] std::string scratch() const { return folder_ / "scratch"; }
 
  private:
   std::string zelk_;
   std::string floor_;
-  WorkFolder folder_;
+  testing_support::TemporaryFolder folder_;
   long handles_ = 0;
 };
 

@@ -2,47 +2,37 @@
 // the most, and after it, as a run has it that waits for its next refresh.
 //   section_memory [HANDLES]
 #include <cstdio>
-#include <fstream>
-#include <stdexcept>
+#include <exception>
 #include <string>
 
 #include "bench/configuration.h"
 #include "bench/refresh.h"
-#include "bench/work_folder.h"
 #include "orv/Exception.h"
 #include "orv/Functions.h"
+#include "tests/support/process_memory.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 
-// In KiB.
-long statusLine(const std::string& label) {
-  std::ifstream status("/proc/self/status");
-  for (std::string word; status >> word;) {
-    long value = 0;
-    if (word == label && status >> value) return value;
-  }
-  throw std::runtime_error("no " + label + " in /proc/self/status");
-}
-
-void resetPeak() {
-  constexpr const char* kResetPeak = "5";
-  std::ofstream("/proc/self/clear_refs") << kResetPeak;
-}
+using testing_support::peakResidentMemory;
+using testing_support::resetPeak;
+using testing_support::residentMemory;
 
 void measureRefresh(bench::Refresh& refresh, long handles) {
-  const long before = statusLine("VmRSS:");
+  const long before = residentMemory();
   resetPeak();
   refresh.run();
-  const long peak = statusLine("VmHWM:");
+  const long peak = peakResidentMemory();
   orv::returnFreeMemory();
   std::printf("a section of %ld handles, KiB: before %ld, at the most %ld, after %ld\n", handles,
-              before, peak, statusLine("VmRSS:"));
+              before, peak, residentMemory());
 }
 
 void measure(long handles) {
   constexpr int kRefreshes = 3;
-  const bench::WorkFolder folder;
-  const std::string path = folder.write("scenario.toml", bench::scenario(handles));
+  const testing_support::TemporaryFolder folder;
+  const std::string path = folder / "scenario.toml";
+  testing_support::writeFile(path, bench::scenario(handles));
   bench::Refresh refresh("sim:" + path, &ConfigData::showFiles);
   for (int i = 0; i < kRefreshes; ++i) measureRefresh(refresh, handles);
 }

@@ -7,19 +7,17 @@
 #include <sys/resource.h>
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
+#include <exception>
 #include <string>
 #include <vector>
 
-#include "bench/child.h"
 #include "bench/configuration.h"
 #include "bench/refresh.h"
+#include "bench/reports.h"
 #include "bench/series.h"
 #include "bench/servers/server.h"
-#include "bench/work_folder.h"
 #include "orv/Exception.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 
@@ -27,7 +25,6 @@ using bench::Output;
 using bench::Refresh;
 using bench::Series;
 using bench::Server;
-using bench::WorkFolder;
 
 constexpr int kTurns = 5;
 constexpr int kRefreshes = 100;  // in one turn
@@ -55,16 +52,8 @@ double ownCpuSeconds() {
          static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) * kMicrosecond;
 }
 
-double cpuSecondsOf(const std::vector<std::string>& command) {
-  const bench::Cost cost = bench::run(command, Output::kDevNull);
-  if (cost.exitStatus != 0) throw std::runtime_error(command.front() + " failed");
-  return cost.cpuSeconds;
-}
-
-std::string contentOf(const std::string& path) {
-  std::ifstream file(path);
-  if (!file) throw std::runtime_error(path + " cannot be read");
-  return {std::istreambuf_iterator<char>(file), {}};
+double cpuSecondsOf(const bench::Command& command) {
+  return bench::runChecked(command, Output::kDevNull).cpuSeconds;
 }
 
 // Two costs of the same thing, and one over the other, turn by turn.
@@ -98,11 +87,11 @@ class Bench {
     const std::vector<std::string> names = server_.statements().*section.statements;
     const std::string once = statementFile("once.sql", names, 1);
     const std::string often = statementFile("often.sql", names, 1 + kRefreshes);
-    const std::string configuration = files_.write("zelk.cfg", bench::configuration({
-                                                                   {"SERV",      server_.name()},
-                                                                   {"USER",      "zelk"        },
-                                                                   {"NAME",      "/dev/null"   },
-                                                                   {section.key, "YES"         }
+    const std::string configuration = write("zelk.cfg", bench::configuration({
+                                                            {"SERV",      server_.name()},
+                                                            {"USER",      "zelk"        },
+                                                            {"NAME",      "/dev/null"   },
+                                                            {section.key, "YES"         }
     }));
 
     Refresh refresh(server_.name(), section.shown);
@@ -135,15 +124,22 @@ class Bench {
                             int times) const {
     std::string text;
     for (int i = 0; i < times; ++i) {
-      for (const std::string& each : statements) text += contentOf(folder_ + "/" + each) + ";\n";
+      for (const std::string& each : statements)
+        text += testing_support::readFile(folder_ + "/" + each) + ";\n";
     }
-    return files_.write(name, text);
+    return write(name, text);
+  }
+
+  // Returns the file's path.
+  [[nodiscard]] std::string write(const std::string& name, const std::string& text) const {
+    testing_support::writeFile(files_ / name, text);
+    return files_ / name;
   }
 
   Server& server_;
   std::string zelk_;
   std::string folder_;
-  WorkFolder files_;
+  testing_support::TemporaryFolder files_;
 };
 
 }  // namespace

@@ -21,9 +21,8 @@ struct CloseConnection {
 
 // Logged in from construction to destruction. No operation waits past its deadline, but for one
 // look-up: a host whose certificate is verified is looked up again by the library, as long as the
-// system's resolver takes. After
-// Failure(kNoAnswer) or Failure(kConnectionLost) it is good for nothing but to be destroyed; it
-// never opens itself again.
+// system's resolver takes. After Failure(kNoAnswer) or Failure(kConnectionLost) it is good for
+// nothing but to be destroyed; it never opens itself again.
 class Connection {
  public:
   // Logs in by `credentials` as they are. Throws Failure; kNoAnswer when `deadline` passes first.

@@ -52,9 +52,10 @@ std::vector<DataFile> decodeFiles(sql::RowSource& rows, const ServerFacts& facts
   while (rows.next()) {
     const bool isTablespace = sql::text(rows, kPart) == "I";
     const auto [known, isNew] = indexes.try_emplace(sql::text(rows, kPath), files.size());
-    if (isNew)
+    if (isNew) {
       files.push_back(isTablespace ? DataFile{.path = known->first, .table = {}, .space = {}}
                                    : openFile(rows, facts));
+    }
     if (isTablespace) addTablespace(files[known->second], rows);
   }
   return files;

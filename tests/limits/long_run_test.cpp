@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "tests/limits/simulated_run.h"
+#include "tests/support/process_memory.h"
 
 namespace limits {
 namespace {
@@ -52,7 +53,7 @@ State presentState() {
   state.liveAllocations = counts().allocations - counts().releases;
   state.snapshots = counts().snapshots;
   state.descriptors = std::distance(directory_iterator("/proc/self/fd"), directory_iterator());
-  state.residentKb = residentMemory();
+  state.residentKb = testing_support::residentMemory();
   return state;
 }
 

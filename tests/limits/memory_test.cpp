@@ -1,15 +1,20 @@
 // A big section's memory is needed once, and given back when the section is written.
 #include <gtest/gtest.h>
-#include <malloc.h>
 
 #include <cstdint>
 #include <iostream>
 #include <string_view>
 
+#include "orv/Functions.h"
 #include "tests/limits/simulated_run.h"
+#include "tests/support/process_memory.h"
 
 namespace limits {
 namespace {
+
+using testing_support::peakResidentMemory;
+using testing_support::resetPeak;
+using testing_support::residentMemory;
 
 constexpr std::string_view kManyFileHandles = R"(
 [[file]]
@@ -33,7 +38,7 @@ TEST_P(Memory, IsNeededOnceAndGivenBack) {
   constexpr long kNoiseKb = 1024;
   constexpr long kSectionKb = 20'000;  // far below what 100 000 handles take
   SimulatedRun run(GetParam(), false);
-  malloc_trim(0);
+  orv::returnFreeMemory();
   resetPeak();
   const long before = residentMemory();
   const std::uint64_t liveBefore = counts().allocations - counts().releases;
@@ -48,7 +53,7 @@ TEST_P(Memory, IsNeededOnceAndGivenBack) {
   EXPECT_GT(firstPeak, before + kSectionKb);
   EXPECT_LE(secondPeak, firstPeak + kNoiseKb);
   EXPECT_EQ(counts().allocations - counts().releases, liveBefore);
-  malloc_trim(0);
+  orv::returnFreeMemory();
   const long after = residentMemory();
   EXPECT_LE(after, before + kNoiseKb);
   std::cout << "KiB before " << before << ", peaks " << firstPeak << " and " << secondPeak

@@ -1,22 +1,6 @@
 #include "tests/limits/simulated_run.h"
 
-#include <fstream>
-#include <stdexcept>
-#include <string>
-
 namespace limits {
-namespace {
-
-long statusLine(const std::string& label) {
-  std::ifstream status("/proc/self/status");
-  for (std::string word; status >> word;) {
-    long value = 0;
-    if (word == label && status >> value) return value;
-  }
-  throw std::runtime_error("no " + label + " in /proc/self/status");
-}
-
-}  // namespace
 
 Cost costOf(const std::function<void()>& action) {
   const std::uint64_t allocations = counts().allocations;
@@ -39,17 +23,6 @@ SimulatedRun::SimulatedRun(std::string_view scenario, bool json) {
   config_.showResources = true;
   config_.showCommunications = true;
   config_.showHandles = true;
-}
-
-long residentMemory() { return statusLine("VmRSS:"); }
-
-long peakResidentMemory() { return statusLine("VmHWM:"); }
-
-void resetPeak() {
-  constexpr const char* kResetPeak = "5";
-  if (!(std::ofstream("/proc/self/clear_refs") << kResetPeak << std::flush)) {
-    throw std::runtime_error("the peak cannot be reset");
-  }
 }
 
 }  // namespace limits

@@ -38,10 +38,4 @@ class SimulatedRun {
   std::unique_ptr<MonitorProcessor> processor_;
 };
 
-// Of this process, in KiB.
-long residentMemory();
-long peakResidentMemory();
-// The peak is what is resident now.
-void resetPeak();
-
 }  // namespace limits
