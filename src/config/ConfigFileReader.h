@@ -2,12 +2,12 @@
 #pragma once
 
 #include "config/ConfigData.h"
+#include "messages/MessageHelper.h"
 #include "orv/Object.h"
 #include "orv/Result.h"
 #include "orv/String.h"
 #include "orv/collections/HashMap.h"
 #include "orv/io/BufferedReader.h"
-#include "output/MessageHelper.h"
 
 // Lines of key=value: blanks around a line, empty lines, lines that begin with "//" and lines
 // without "=" do not count. A key is its first four characters in any case; the last line of a key

@@ -9,10 +9,10 @@
 #include "engine/SessionInfo.h"
 #include "engine/UsageStats.h"
 #include "engine/tal.h"
+#include "messages/MessageHelper.h"
 #include "orv/Object.h"
 #include "orv/String.h"
 #include "orv/collections/List.h"
-#include "output/MessageHelper.h"
 
 // One connection to an engine, and what can be asked through it: every operation builds fresh
 // records. An engine's error becomes VXAException; the statuses that end or shorten a list do not.

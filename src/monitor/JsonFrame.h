@@ -3,8 +3,8 @@
 
 #include <array>
 
+#include "messages/MessageHelper.h"
 #include "orv/String.h"
-#include "output/MessageHelper.h"
 
 // The lines that open every JSON document, in order; the first begins with an empty line.
 std::array<orv::String, 5> jsonHeaderLines(const MessageHelper& messages);

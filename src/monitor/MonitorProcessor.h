@@ -6,12 +6,12 @@
 
 #include "config/ConfigData.h"
 #include "engine/VXAMonitorHelper.h"
+#include "messages/MessageHelper.h"
 #include "orv/Object.h"
 #include "orv/String.h"
 #include "orv/collections/HashMap.h"
 #include "orv/io/PrintWriter.h"
 #include "output/FormatHelper.h"
-#include "output/MessageHelper.h"
 
 // Asks the timed loop, and the manual loop while it waits, to end. Set by the keyboard thread, by a
 // stop signal or by the timed loop at its limit; never reset: a process runs one monitoring run.

@@ -1,10 +1,10 @@
 // What the whole process shares. Declared here, on the lowest floor that uses any of it.
 #pragma once
 
+#include "messages/MessageHelper.h"
 #include "orv/Object.h"
 #include "orv/io/OutputStream.h"
 #include "orv/io/PrintWriter.h"
-#include "output/MessageHelper.h"
 
 inline constexpr const char* kProgramVersion = "15.21.016.000";
 

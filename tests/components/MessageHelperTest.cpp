@@ -1,4 +1,4 @@
-#include "output/MessageHelper.h"
+#include "messages/MessageHelper.h"
 
 #include <string>
 #include <string_view>

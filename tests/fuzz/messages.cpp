@@ -3,10 +3,10 @@
 #include <span>
 #include <string>
 
+#include "messages/MessageHelper.h"
 #include "orv/Exception.h"
 #include "orv/Functions.h"
 #include "orv/i18n/StringBundle.h"
-#include "output/MessageHelper.h"
 #include "tests/fuzz/lines.h"
 #include "tests/fuzz/target.h"
 #include "tests/support/temporary_folder.h"

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "messages/MessageFormat.h"
 #include "orv/i18n/StringBundle.h"
-#include "output/MessageFormat.h"
 #include "tests/support/temporary_folder.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "output/CMSGStrings.h"
+#include "messages/CMSGStrings.h"
 
 #include <algorithm>
 #include <string>

@@ -1,4 +1,4 @@
-#include "output/MessageFormat.h"
+#include "messages/MessageFormat.h"
 
 #include <cstddef>
 

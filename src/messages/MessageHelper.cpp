@@ -1,13 +1,13 @@
-#include "output/MessageHelper.h"
+#include "messages/MessageHelper.h"
 
 #include <cstdarg>
 #include <cstddef>
 #include <cstdio>
 #include <string_view>
 
+#include "messages/CMSGStrings.h"
 #include "orv/Encoding.h"
 #include "orv/Functions.h"
-#include "output/CMSGStrings.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <span>
 #include <type_traits>
 
+#include "messages/MessageFormat.h"
 #include "orv/Object.h"
 #include "orv/String.h"
-#include "output/MessageFormat.h"
 
 // Looks up the texts of one bundle under one key prefix and fills them in printf style.
 class MessageHelper : public orv::Object {
