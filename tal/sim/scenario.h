@@ -1,4 +1,5 @@
-// A scenario as it was read: everything that a simulated engine serves, at every refresh.
+// A scenario as it was read: everything that a simulated engine serves, at every refresh. The
+// fields have the names of those in tal/engine.h, so that both can be visited together.
 #pragma once
 
 #include <cstdint>
@@ -16,7 +17,7 @@ namespace tal::sim {
 inline constexpr std::uint64_t kItemLimit = 10'000'000;
 inline constexpr std::uint64_t kByteLimit = 4ULL << 30U;
 
-// What an item takes up beside its texts, the largest kind taken for all.
+// What an item takes up besides its texts; the largest kind is taken for all.
 inline constexpr std::uint64_t kItemBytes = 256;
 
 // How many items an entry stands for, and in which refreshes.
@@ -73,9 +74,7 @@ struct ProtocolEntry {
 
 struct CommunicationValues {
   Number<std::uint32_t> requests{0};
-  Number<std::uint32_t> counter1{0};
-  Number<std::uint32_t> counter2{0};
-  Number<std::uint32_t> counter3{0};
+  Number<std::uint32_t> counters[3] = {0, 0, 0};
   GaugeValues remoteSessions;
   GaugeValues threads;
   Number<std::uint32_t> timeouts{0};
@@ -83,15 +82,22 @@ struct CommunicationValues {
   std::vector<ProtocolEntry> protocols;
 };
 
-// What handles of files and of clients have in common; `name` is that of the other side.
+// What handles of files and of clients have in common.
 struct HandleEntry {
   Presence presence;
-  Text name;
-  Number<std::uint32_t> clientIndex{0};  // of a file's handle only
   Number<std::uint8_t> openMode{open_mode::kNormal};
   Number<std::uint8_t> recordLockType{record_lock::kNone};
   Number<std::uint8_t> waitState{wait_state::kNone};
   Number<std::uint16_t> transactionState{transaction_state::kNone};
+};
+
+struct FileHandleEntry : HandleEntry {
+  Number<std::uint32_t> clientIndex{0};
+  Text clientName;
+};
+
+struct ClientHandleEntry : HandleEntry {
+  Text fileName;
 };
 
 struct FileEntry {
@@ -102,7 +108,7 @@ struct FileEntry {
   Number<std::uint8_t> recordLocks{flag::kUnknown};
   Number<std::uint8_t> transactionLock{flag::kUnknown};
   Number<std::uint32_t> sizeKb{0};
-  std::vector<HandleEntry> handles;
+  std::vector<FileHandleEntry> handles;
 };
 
 struct ClientEntry {
@@ -124,7 +130,7 @@ struct ClientEntry {
   Number<std::uint32_t> processId{0};
   Number<std::uint32_t> connectionNumber{kUnknownConnectionNumber};
   Text sessionName;
-  std::vector<HandleEntry> handles;
+  std::vector<ClientHandleEntry> handles;
 };
 
 struct SqlConnectionEntry {

@@ -12,11 +12,18 @@ TableReader::TableReader(const Node::Table& table, int line, std::string where)
 TableReader::TableReader(const Node& table, std::string where)
     : TableReader(std::get<Node::Table>(table.value), table.line, std::move(where)) {}
 
-void TableReader::read(std::string_view key, Text& text) {
-  const Member* const member = take(key);
+void TableReader::read(const recording::Key& key, Text& text) {
+  const Member* const member = take(key.name);
   if (member == nullptr) return;
   text = Text(textsOf(*member, Forms::kByRefresh));
   textBytes_ += text.longest(kItemLimit);
+}
+
+void TableReader::read(const recording::Key& key, GaugeValues& gauge) {
+  std::optional<TableReader> values = table(key.name, '"' + std::string(key.name) + '"');
+  if (!values) return;
+  recording::visitGauge(values->visitor(), gauge);
+  values->finish();
 }
 
 std::optional<std::int64_t> TableReader::number(std::string_view key, std::int64_t lowest,

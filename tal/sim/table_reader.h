@@ -10,11 +10,11 @@
 #include <utility>
 #include <vector>
 
+#include "tal/recording/fields.h"
 #include "tal/sim/document.h"
 #include "tal/sim/scenario.h"
 #include "tal/sim/value_reader.h"
 #include "tal/sim/values.h"
-#include "tal/sim/words.h"
 
 namespace tal::sim {
 
@@ -34,16 +34,23 @@ class TableReader {
   [[nodiscard]] std::size_t textBytes() const noexcept { return textBytes_; }
 
   template <std::integral Field>
-  void read(std::string_view key, Number<Field>& number, Words words = {},
-            Forms forms = Forms::kStepped) {
-    const Member* const member = take(key);
+  void read(const recording::Key& key, Number<Field>& number, Forms forms = Forms::kStepped) {
+    const Member* const member = take(key.name);
     if (member == nullptr) return;
     NumberValue value =
-        numberOf(*member, {Number<Field>::kLowest, Number<Field>::kHighest, words, forms});
+        numberOf(*member, {Number<Field>::kLowest, Number<Field>::kHighest, key.words, forms});
     number = Number<Field>(std::move(value.byRefresh), value.step, value.each);
   }
 
-  void read(std::string_view key, Text& text);
+  void read(const recording::Key& key, Text& text);
+
+  // A table with the keys current, peak and maximum.
+  void read(const recording::Key& key, GaugeValues& gauge);
+
+  // What reads each field that it visits (see tal/recording/fields.h).
+  [[nodiscard]] auto visitor() {
+    return [this](const recording::Key& key, auto& field) { read(key, field); };
+  }
 
   // A single number or text; nothing when the key is absent.
   [[nodiscard]] std::optional<std::int64_t> number(std::string_view key, std::int64_t lowest,

@@ -33,7 +33,7 @@ std::string described(const Node& node) {
 std::string expectedOne(const NumberFormat& format) {
   std::string expected = "a whole number from " + std::to_string(format.lowest) + " to " +
                          std::to_string(format.highest);
-  for (const Word& word : format.words) expected += " or " + quoted(word.word);
+  for (const recording::Word& word : format.words) expected += " or " + quoted(word.word);
   return expected;
 }
 
@@ -50,7 +50,7 @@ std::string expectedText(Forms forms) {
 // The one number that the node stands for.
 std::int64_t singleNumber(std::string_view key, const Node& node, const NumberFormat& format) {
   if (const auto* text = std::get_if<std::string>(&node.value)) {
-    const auto word = std::ranges::find(format.words, *text, &Word::word);
+    const auto word = std::ranges::find(format.words, *text, &recording::Word::word);
     if (word != format.words.end()) return word->code;
   }
   const auto* integer = std::get_if<std::int64_t>(&node.value);

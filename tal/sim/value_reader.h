@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "tal/recording/words.h"
 #include "tal/sim/document.h"
-#include "tal/sim/words.h"
 
 namespace tal::sim {
 
@@ -22,7 +22,7 @@ enum class Forms {
 struct NumberFormat {
   std::int64_t lowest;
   std::int64_t highest;
-  Words words = {};
+  recording::Words words = {};
   Forms forms = Forms::kOne;
 };
 

@@ -50,7 +50,7 @@ std::string expanded(std::string_view text, const Place& place) {
 
 }  // namespace
 
-std::int64_t saturatingSum(std::int64_t base, std::int64_t step, std::uint64_t times) noexcept {
+std::int64_t afterSteps(std::int64_t base, std::int64_t step, std::uint64_t times) noexcept {
   constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
   constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
   std::int64_t product = 0;

@@ -26,8 +26,8 @@ const Value& byRefresh(const std::vector<Value>& values, std::uint64_t refresh) 
   return values[static_cast<std::size_t>(std::min<std::uint64_t>(refresh, values.size())) - 1];
 }
 
-// A sum that stops at the ends of the 64-bit range.
-std::int64_t saturatingSum(std::int64_t base, std::int64_t step, std::uint64_t times) noexcept;
+// `base` after so many steps; it stops at the ends of the 64-bit range.
+std::int64_t afterSteps(std::int64_t base, std::int64_t step, std::uint64_t times) noexcept;
 
 // A number that fits a field of type Field at every place: what would leave its range stops at the
 // range's end.
@@ -47,8 +47,8 @@ class Number {
 
   [[nodiscard]] Field at(const Place& place) const noexcept {
     const std::int64_t base = byRefresh(values_, place.refresh);
-    const std::int64_t stepped = saturatingSum(base, step_, place.refresh - 1);
-    const std::int64_t sum = saturatingSum(stepped, each_, place.item - 1);
+    const std::int64_t stepped = afterSteps(base, step_, place.refresh - 1);
+    const std::int64_t sum = afterSteps(stepped, each_, place.item - 1);
     return static_cast<Field>(std::clamp(sum, kLowest, kHighest));
   }
 

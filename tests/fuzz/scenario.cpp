@@ -6,9 +6,9 @@
 #include <string_view>
 
 #include "tal/c/connection.h"
-#include "tal/sim/engine.h"
 #include "tal/sim/errors.h"
 #include "tal/sim/parse.h"
+#include "tal/sim/sim.h"
 #include "tests/fuzz/served.h"
 #include "tests/fuzz/target.h"
 

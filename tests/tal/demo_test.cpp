@@ -4,8 +4,8 @@
 
 #include <set>
 
-#include "tal/sim/engine.h"
 #include "tal/sim/parse.h"
+#include "tal/sim/sim.h"
 
 namespace tal::sim {
 namespace {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "tal/sim/engine.h"
 #include "tal/sim/parse.h"
+#include "tal/sim/sim.h"
 
 namespace tal::sim {
 namespace {
@@ -108,11 +108,11 @@ TEST(Scenario, SumsStopAtTheEndsOfTheirRange) {
   using Limits = std::numeric_limits<std::int64_t>;
   constexpr std::int64_t kLargest = 4294967295;  // of a step
 
-  EXPECT_EQ(sim::saturatingSum(7, kLargest, 3), 7 + 3 * kLargest);
-  EXPECT_EQ(sim::saturatingSum(7, kLargest, kLargest), Limits::max());
-  EXPECT_EQ(sim::saturatingSum(-7, -kLargest, kLargest), Limits::min());
-  EXPECT_EQ(sim::saturatingSum(Limits::max(), 1, 1), Limits::max());
-  EXPECT_EQ(sim::saturatingSum(Limits::min(), -1, 1), Limits::min());
+  EXPECT_EQ(sim::afterSteps(7, kLargest, 3), 7 + 3 * kLargest);
+  EXPECT_EQ(sim::afterSteps(7, kLargest, kLargest), Limits::max());
+  EXPECT_EQ(sim::afterSteps(-7, -kLargest, kLargest), Limits::min());
+  EXPECT_EQ(sim::afterSteps(Limits::max(), 1, 1), Limits::max());
+  EXPECT_EQ(sim::afterSteps(Limits::min(), -1, 1), Limits::min());
 }
 
 struct TextCase {

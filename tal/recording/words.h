@@ -1,4 +1,4 @@
-// The words of a scenario for the codes of the interface.
+// The words for the codes of the interface, in scenario files and in recordings.
 #pragma once
 
 #include <array>
@@ -8,9 +8,9 @@
 
 #include "tal/engine.h"
 
-namespace tal::sim {
+namespace tal::recording {
 
-// A word for a code. A number is accepted wherever a word is, so that any code can be given.
+// A word for a code. Where a code has no word, its number stands instead.
 struct Word {
   std::string_view word;
   std::int64_t code;
@@ -81,4 +81,4 @@ inline constexpr std::array kProtocolWords = {
     Word{"netbios", kNetbiosProtocol},
 };
 
-}  // namespace tal::sim
+}  // namespace tal::recording
