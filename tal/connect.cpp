@@ -8,32 +8,26 @@
 namespace tal {
 namespace {
 
-std::unique_ptr<Engine> openPostgresql(std::string_view location, const Credentials& credentials) {
-  return moduleOf("tal-postgresql.so")(location, credentials);
-}
-
-std::unique_ptr<Engine> openMariadb(std::string_view location, const Credentials& credentials) {
-  return moduleOf("tal-mariadb.so")(location, credentials);
-}
-
+// An engine is either built in or in the module of that file name.
 struct Scheme {
   std::string_view prefix;
-  OpenEngine* open;
+  OpenEngine* builtIn;
+  const char* module;
 };
 
 constexpr std::array kSchemes = {
-    Scheme{"sim:",          sim::open     },
-    Scheme{"postgresql://", openPostgresql},
-    Scheme{"mariadb://",    openMariadb   },
+    Scheme{"sim:",          sim::open, nullptr            },
+    Scheme{"postgresql://", nullptr,   "tal-postgresql.so"},
+    Scheme{"mariadb://",    nullptr,   "tal-mariadb.so"   },
 };
 
 }  // namespace
 
 std::unique_ptr<Engine> openEngine(std::string_view server, const Credentials& credentials) {
-  for (const Scheme& scheme : kSchemes) {
-    if (server.starts_with(scheme.prefix)) {
-      return scheme.open(server.substr(scheme.prefix.size()), credentials);
-    }
+  for (const auto& [prefix, builtIn, module] : kSchemes) {
+    if (!server.starts_with(prefix)) continue;
+    OpenEngine& open = builtIn != nullptr ? *builtIn : moduleOf(module);
+    return open(server.substr(prefix.size()), credentials);
   }
   throw Failure(Status::kUnknownScheme);
 }

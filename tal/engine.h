@@ -1,5 +1,5 @@
-// What an engine implements: plain C++ values behind the monitoring interface. The C layer turns
-// them into the interface's structures, keeps the snapshots and answers the look-ups in them.
+// What an engine implements: plain C++ values behind the monitoring interface. The folder interface
+// turns them into the interface's structures, keeps the snapshots and answers the look-ups in them.
 #pragma once
 
 #include <cstdint>
@@ -129,7 +129,8 @@ struct Communication {
   std::vector<Protocol> protocols;  // the interface carries the first 64
 };
 
-// Texts below may hold any bytes and any length: the C layer cleans and cuts them to their fields.
+// Texts below may hold any bytes and any length: the interface cleans and cuts them to their
+// fields.
 struct FileHandle {
   std::uint32_t clientIndex = 0;
   std::uint8_t openMode = open_mode::kNormal;

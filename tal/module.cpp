@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "tal/failure.h"
+#include "tal/module_entry.h"
 #include "tal/text.h"
 
 namespace tal {
@@ -17,8 +18,8 @@ namespace {
 constexpr std::size_t kReasonLimit = 1000;
 constexpr char kHere = 0;
 
-// The status says only that the module cannot be used; the name of a library that is missing has no
-// other way out.
+// The status says only that the module cannot be used; the name of a library that is missing has
+// no other way out.
 [[noreturn]] void failMissing(std::string reason) {
   fitText(reason, kReasonLimit);
   std::fprintf(stderr, "libtal: %s\n", reason.c_str());
@@ -47,7 +48,7 @@ OpenEngine& moduleOf(const std::string& fileName) {
   if (module == nullptr) failMissing(dlerror());
   auto* const entry = reinterpret_cast<ModuleEntry*>(dlsym(module, kModuleEntryName));
   if (entry == nullptr) failMissing(dlerror());
-  OpenEngine* const open = entry(kModuleInterface);
+  OpenEngine* const open = entry(kAbiTag);
   if (open == nullptr) throw Failure(Status::kModuleForeign);
   return *open;
 }

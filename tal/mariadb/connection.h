@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "tal/connect.h"
+#include "tal/credentials.h"
 #include "tal/mariadb/encryption.h"
 #include "tal/mariadb/location.h"
 #include "tal/mariadb/result.h"

@@ -1,7 +1,7 @@
-#include "tal/module.h"
+#include "tal/module_entry.h"
 
 #include "tal/mariadb/mariadb.h"
 
-tal::OpenEngine* talModule(const char* interface) noexcept {
-  return tal::unlessForeign(interface, tal::mariadb::open);
+tal::OpenEngine* talModule(const char* abiTag) noexcept {
+  return tal::unlessForeign(abiTag, tal::mariadb::open);
 }

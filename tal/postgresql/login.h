@@ -1,7 +1,7 @@
 // From a location to a session on the server.
 #pragma once
 
-#include "tal/connect.h"
+#include "tal/credentials.h"
 #include "tal/postgresql/handles.h"
 #include "tal/postgresql/location.h"
 #include "tal/sql/deadline.h"

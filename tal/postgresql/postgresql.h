@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "tal/connect.h"
+#include "tal/credentials.h"
 #include "tal/engine.h"
 
 namespace tal::postgresql {

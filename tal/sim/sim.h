@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tal/connect.h"
+#include "tal/credentials.h"
 #include "tal/engine.h"
 #include "tal/sim/calls.h"
 #include "tal/sim/scenario.h"
@@ -13,7 +13,7 @@
 namespace tal::sim {
 
 // Serves the values of a scenario by refresh number, never by the clock or by chance. The numbers
-// advance when a call is announced through answerInstead(), as the C layer does for every call.
+// advance when a call is announced through answerInstead(), as the interface does for every call.
 class SimulatedEngine : public Engine {
  public:
   explicit SimulatedEngine(Scenario scenario);

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string_view>
 
-#include "tal/c/connection.h"
+#include "tal/interface/served_engine.h"
 #include "tal/sim/errors.h"
 #include "tal/sim/parse.h"
 #include "tal/sim/sim.h"
@@ -37,25 +37,24 @@ std::uint64_t itemsOf(const Scenario& scenario) {
 
 // The call is served, or answered with another status as the scenario wants it.
 template <typename Action>
-void ask(tal::c::Connection& connection, Call call, const Action& action) {
+void ask(tal::interface::ServedEngine& served, Call call, const Action& action) {
   try {
-    connection.admit(call);
-    action(connection.engine());
+    served.admit(call);
+    action(served.engine());
   } catch (const tal::Failure& failure) {
     require(failure.status() != tal::Status::kSuccess, "a failure has a status");
   }
 }
 
-void refresh(tal::c::Connection& connection) {
+void refresh(tal::interface::ServedEngine& served) {
   using tal::Engine;
-  ask(connection, Call::kGetOpenFilesData, [](Engine& engine) { serve(engine.openFiles()); });
-  ask(connection, Call::kGetZorbClientsData, [](Engine& engine) { serve(engine.clients()); });
-  ask(connection, Call::kGetSQLConnectionsData,
-      [](Engine& engine) { serve(engine.sqlConnections()); });
-  ask(connection, Call::kGetZorbUsageEx2, [](Engine& engine) { serve(engine.usage()); });
-  ask(connection, Call::kGetZorbCommStatEx, [](Engine& engine) { serve(engine.communication()); });
-  ask(connection, Call::kGetZorbVersion, [](Engine& engine) { engine.version(); });
-  ask(connection, Call::kGetEngineInformation, [](Engine& engine) { engine.information(); });
+  ask(served, Call::kGetOpenFilesData, [](Engine& engine) { serve(engine.openFiles()); });
+  ask(served, Call::kGetZorbClientsData, [](Engine& engine) { serve(engine.clients()); });
+  ask(served, Call::kGetSQLConnectionsData, [](Engine& engine) { serve(engine.sqlConnections()); });
+  ask(served, Call::kGetZorbUsageEx2, [](Engine& engine) { serve(engine.usage()); });
+  ask(served, Call::kGetZorbCommStatEx, [](Engine& engine) { serve(engine.communication()); });
+  ask(served, Call::kGetZorbVersion, [](Engine& engine) { engine.version(); });
+  ask(served, Call::kGetEngineInformation, [](Engine& engine) { engine.information(); });
 }
 
 }  // namespace
@@ -64,8 +63,9 @@ void run(std::string_view input) {
   try {
     Scenario scenario = tal::sim::parseScenario(input, "scenario");
     if (itemsOf(scenario) > kMostItems) return;
-    tal::c::Connection connection(std::make_unique<tal::sim::SimulatedEngine>(std::move(scenario)));
-    for (int i = 0; i < 3; ++i) refresh(connection);
+    tal::interface::ServedEngine served(
+        std::make_unique<tal::sim::SimulatedEngine>(std::move(scenario)));
+    for (int i = 0; i < 3; ++i) refresh(served);
   } catch (const tal::sim::ScenarioError& error) {
     requireClean(error.what());
     require(std::string_view(error.what()).starts_with("scenario"), "a mistake names its file");

@@ -4,15 +4,15 @@
 #include <utility>
 
 #include "engine/tal.h"
-#include "tal/c/client_snapshot.h"
-#include "tal/c/file_snapshot.h"
-#include "tal/c/layout.h"
+#include "tal/interface/client_snapshot.h"
+#include "tal/interface/file_snapshot.h"
+#include "tal/interface/layout.h"
 #include "tests/fuzz/target.h"
 
 namespace fuzzing {
 namespace {
 
-using tal::c::fill;
+using tal::interface::fill;
 
 template <std::size_t kSize>
 void requireCleanField(const char (&field)[kSize]) {
@@ -61,7 +61,7 @@ void requireClean(std::string_view field) {
 }
 
 void serve(std::vector<tal::OpenFile> files) {
-  const tal::c::FileSnapshot snapshot(std::move(files));
+  const tal::interface::FileSnapshot snapshot(std::move(files));
   for (std::uint32_t index = 0; index < snapshot.count(); ++index) {
     const tal::OpenFile& file = snapshot.at(index);
     require(&snapshot.find(file.name) == &file, "a file is found by its name");
@@ -70,7 +70,7 @@ void serve(std::vector<tal::OpenFile> files) {
 }
 
 void serve(std::vector<tal::Client> clients) {
-  const tal::c::ClientSnapshot snapshot(std::move(clients));
+  const tal::interface::ClientSnapshot snapshot(std::move(clients));
   for (std::uint32_t index = 0; index < snapshot.count(); ++index) {
     const tal::Client& client = snapshot.at(index);
     tagTALCLIENTID id;

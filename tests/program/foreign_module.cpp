@@ -1,5 +1,5 @@
-// A module of a build whose interface is another than the library's.
-#include "tal/module.h"
+// A module of a build that has another ABI tag than the library.
+#include "tal/module_entry.h"
 
 namespace {
 
@@ -10,6 +10,4 @@ std::unique_ptr<tal::Engine> open(std::string_view /*location*/,
 
 }  // namespace
 
-tal::OpenEngine* talModule(const char* interface) noexcept {
-  return tal::unlessForeign(interface, open);
-}
+tal::OpenEngine* talModule(const char* abiTag) noexcept { return tal::unlessForeign(abiTag, open); }

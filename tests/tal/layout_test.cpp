@@ -1,11 +1,11 @@
-#include "tal/c/layout.h"
+#include "tal/interface/layout.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <string>
 
-namespace tal::c {
+namespace tal::interface {
 namespace {
 
 // A structure whose bytes are all set, so that each one that is not written shows.
@@ -146,4 +146,4 @@ TEST(Layout, CarriesEveryNumber) {
 }
 
 }  // namespace
-}  // namespace tal::c
+}  // namespace tal::interface

@@ -1,4 +1,4 @@
-#include "tal/c/library.h"
+#include "tal/interface/library.h"
 
 #include <gtest/gtest.h>
 
@@ -7,9 +7,9 @@
 #include <new>
 #include <stdexcept>
 
-#include "tal/c/guarded.h"
+#include "tal/interface/guarded.h"
 
-namespace tal::c {
+namespace tal::interface {
 namespace {
 
 // What a test makes the engine do, and what became of it.
@@ -79,7 +79,7 @@ TEST(Guarded, TurnsExceptionsIntoStatuses) {
 
 TEST_F(LibraryTest, KeepsASnapshotWhileTheEngineMovesOn) {
   script_.names = {"a", "b"};
-  Connection& connection = library_.serving(adopt(), Call::kGetOpenFilesData);
+  ServedEngine& connection = library_.serving(adopt(), Call::kGetOpenFilesData);
   ASSERT_EQ(connection.takeFiles(), 2U);
 
   script_.names = {"c"};
@@ -159,7 +159,7 @@ TEST_F(LibraryTest, GivesNoHandleTwice) {
 TEST_F(LibraryTest, OpensTheLocalEngineAtItsFirstUse) {
   EXPECT_EQ(statusOf([&] { library_.disconnect(Library::kLocalHandle); }), 0);
 
-  Connection& local = library_.serving(Library::kLocalHandle, Call::kGetOpenFilesData);
+  ServedEngine& local = library_.serving(Library::kLocalHandle, Call::kGetOpenFilesData);
 
   EXPECT_GT(local.takeFiles(), 0U);
   EXPECT_EQ(&library_.serving(Library::kLocalHandle, Call::kGetFileInfo2), &local);
@@ -177,4 +177,4 @@ TEST_F(LibraryTest, RefusesServersOfNoKnownScheme) {
 }
 
 }  // namespace
-}  // namespace tal::c
+}  // namespace tal::interface

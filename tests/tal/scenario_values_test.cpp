@@ -10,7 +10,7 @@
 namespace tal::sim {
 namespace {
 
-// The engine of a scenario, asked as the C layer asks it.
+// The engine of a scenario, asked as the interface asks it.
 class Simulation {
  public:
   explicit Simulation(std::string_view text) : engine_(parseScenario(text, "test")) {}

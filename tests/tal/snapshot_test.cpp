@@ -4,10 +4,10 @@
 #include <string>
 #include <vector>
 
-#include "tal/c/client_snapshot.h"
-#include "tal/c/file_snapshot.h"
+#include "tal/interface/client_snapshot.h"
+#include "tal/interface/file_snapshot.h"
 
-namespace tal::c {
+namespace tal::interface {
 namespace {
 
 std::vector<OpenFile> filesNamed(const std::vector<std::string>& names) {
@@ -143,4 +143,4 @@ TEST(ClientSnapshot, IgnoresBytesBehindTheTextOfAnIdentifier) {
 }
 
 }  // namespace
-}  // namespace tal::c
+}  // namespace tal::interface

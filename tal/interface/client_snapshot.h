@@ -9,7 +9,7 @@
 #include "engine/tal.h"
 #include "tal/engine.h"
 
-namespace tal::c {
+namespace tal::interface {
 
 // Owns the clients of one answer of the engine. Their identifiers are made final here: the text
 // cleaned and cut to its field, and the whole unique, because it is the key of every look-up. A
@@ -38,4 +38,4 @@ class ClientSnapshot {
   std::unordered_map<tagTALCLIENTID, std::size_t, Hash, Equal> positions_;
 };
 
-}  // namespace tal::c
+}  // namespace tal::interface

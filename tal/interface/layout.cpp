@@ -1,4 +1,4 @@
-#include "tal/c/layout.h"
+#include "tal/interface/layout.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 #include "tal/text.h"
 
-namespace tal::c {
+namespace tal::interface {
 namespace {
 
 TalGauge gauge(const Gauge& from) noexcept { return {from.current, from.peak, from.maximum}; }
@@ -130,4 +130,4 @@ void fill(TalSqlConnectionInfo& out, const SqlConnection& connection) noexcept {
   out.totalTime = connection.totalTime;
 }
 
-}  // namespace tal::c
+}  // namespace tal::interface

@@ -9,7 +9,7 @@
 #include "tal/failure.h"
 #include "tal/status.h"
 
-namespace tal::c {
+namespace tal::interface {
 
 // Longest server name, user and password, in bytes.
 inline constexpr std::size_t kCredentialLimit = 255;
@@ -33,4 +33,4 @@ inline std::string_view fileName(const char* text) {
   return {text, strnlen(&required(text), TAL_NAME_SIZE)};
 }
 
-}  // namespace tal::c
+}  // namespace tal::interface

@@ -7,7 +7,7 @@
 #include "tal/failure.h"
 #include "tal/status.h"
 
-namespace tal::c {
+namespace tal::interface {
 
 constexpr std::int16_t code(Status status) noexcept { return static_cast<std::int16_t>(status); }
 
@@ -26,4 +26,4 @@ std::int16_t guarded(const Action& action) noexcept {
   }
 }
 
-}  // namespace tal::c
+}  // namespace tal::interface

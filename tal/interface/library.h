@@ -6,11 +6,11 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "tal/c/connection.h"
 #include "tal/connect.h"
+#include "tal/interface/served_engine.h"
 #include "tal/status.h"
 
-namespace tal::c {
+namespace tal::interface {
 
 // Whether the library was started, and which connections are open. Not synchronised: calls are to
 // be made by one thread at a time. Everything that is not served is thrown as Failure.
@@ -39,19 +39,19 @@ class Library {
   void disconnect(std::int32_t handle);
 
   // The connection, admitted to the call.
-  [[nodiscard]] Connection& serving(std::int32_t handle, Call call);
+  [[nodiscard]] ServedEngine& serving(std::int32_t handle, Call call);
 
  private:
-  void noteStopStatus(Connection& closing);
+  void noteStopStatus(ServedEngine& closing);
 
   bool started_ = false;
   std::int32_t lastHandle_ = 0;
   // What TalStop has to return: engines are asked when they close, because none is left by then.
   Status stopStatus_ = Status::kSuccess;
-  std::unordered_map<std::int32_t, std::unique_ptr<Connection>> connections_;
+  std::unordered_map<std::int32_t, std::unique_ptr<ServedEngine>> connections_;
 };
 
 // The one library of this process.
 Library& library();
 
-}  // namespace tal::c
+}  // namespace tal::interface

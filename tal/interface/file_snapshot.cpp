@@ -1,13 +1,13 @@
-#include "tal/c/file_snapshot.h"
+#include "tal/interface/file_snapshot.h"
 
 #include <string>
 #include <utility>
 
 #include "engine/tal.h"
-#include "tal/c/entry_at.h"
+#include "tal/interface/entry_at.h"
 #include "tal/text.h"
 
-namespace tal::c {
+namespace tal::interface {
 namespace {
 
 constexpr std::size_t kNameLimit = TAL_NAME_SIZE - 1;
@@ -49,4 +49,4 @@ const OpenFile& FileSnapshot::find(std::string_view name) const {
   return files_[found->second];
 }
 
-}  // namespace tal::c
+}  // namespace tal::interface

@@ -8,7 +8,7 @@
 #include "engine/tal.h"
 #include "tal/engine.h"
 
-namespace tal::c {
+namespace tal::interface {
 
 // A length.
 void fill(std::uint32_t& out, std::size_t count) noexcept;
@@ -22,4 +22,4 @@ void fill(TalClientInfo& out, const Client& client) noexcept;
 void fill(TalClientHandleInfo& out, const ClientHandle& handle) noexcept;
 void fill(TalSqlConnectionInfo& out, const SqlConnection& connection) noexcept;
 
-}  // namespace tal::c
+}  // namespace tal::interface

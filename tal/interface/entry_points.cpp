@@ -4,22 +4,22 @@
 #include <string>
 
 #include "engine/tal.h"
-#include "tal/c/arguments.h"
-#include "tal/c/entry_at.h"
-#include "tal/c/guarded.h"
-#include "tal/c/layout.h"
-#include "tal/c/library.h"
+#include "tal/interface/arguments.h"
+#include "tal/interface/entry_at.h"
+#include "tal/interface/guarded.h"
+#include "tal/interface/layout.h"
+#include "tal/interface/library.h"
 #include "tal/text.h"
 
 using tal::Call;
-using tal::c::Connection;
-using tal::c::credential;
-using tal::c::entryAt;
-using tal::c::fileName;
-using tal::c::fill;
-using tal::c::guarded;
-using tal::c::library;
-using tal::c::required;
+using tal::interface::credential;
+using tal::interface::entryAt;
+using tal::interface::fileName;
+using tal::interface::fill;
+using tal::interface::guarded;
+using tal::interface::library;
+using tal::interface::required;
+using tal::interface::ServedEngine;
 
 namespace {
 
@@ -27,20 +27,20 @@ namespace {
 template <typename Out, typename Ask>
 std::int16_t answered(std::int32_t handle, Call call, Out* out, const Ask& ask) {
   return guarded([&] {
-    Connection& connection = library().serving(handle, call);
+    ServedEngine& connection = library().serving(handle, call);
     Out& place = required(out);
     fill(place, ask(connection));
   });
 }
 
-using Action = void (Connection::*)();
+using Action = void (ServedEngine::*)();
 
 std::int16_t done(std::int32_t handle, Call call, Action action) {
   return guarded([&] { (library().serving(handle, call).*action)(); });
 }
 
-void putInformation(Connection& from, std::uint8_t* flag, std::int32_t* first, std::int32_t* second,
-                    std::int32_t* third, std::int32_t* engineType) {
+void putInformation(ServedEngine& from, std::uint8_t* flag, std::int32_t* first,
+                    std::int32_t* second, std::int32_t* third, std::int32_t* engineType) {
   for (const std::int32_t* place : {first, second, third, engineType}) required(place);
   std::uint8_t& flagPlace = required(flag);
   const tal::Information information = from.engine().information();
@@ -52,7 +52,7 @@ void putInformation(Connection& from, std::uint8_t* flag, std::int32_t* first, s
 }
 
 // Announces in `size` how long the name is that went into the buffer.
-void putName(Connection& from, std::uint32_t index, std::uint32_t* size, char* buffer) {
+void putName(ServedEngine& from, std::uint32_t index, std::uint32_t* size, char* buffer) {
   std::uint32_t& place = required(size);
   char& first = required(buffer);
   if (place == 0) throw tal::Failure(tal::Status::kBadArgument);
@@ -60,7 +60,7 @@ void putName(Connection& from, std::uint32_t index, std::uint32_t* size, char* b
 }
 
 void connect(const char* server, const char* user, const char* password, std::int32_t* handle) {
-  tal::c::Library& started = library().requireStarted();
+  tal::interface::Library& started = library().requireStarted();
   std::int32_t& place = required(handle);
   place = started.connect(credential(server),
                           {std::string(credential(user)), std::string(credential(password))});
@@ -95,22 +95,22 @@ int16_t TalGetEngineInformation(int32_t handle, uint8_t* flag, int32_t* first, i
 
 int16_t TalGetZorbVersion(int32_t handle, TalVersion* version) {
   return answered(handle, Call::kGetZorbVersion, version,
-                  [](Connection& from) { return from.engine().version(); });
+                  [](ServedEngine& from) { return from.engine().version(); });
 }
 
 int16_t TalGetZorbUsageEx2(int32_t handle, TalUsage* usage) {
   return answered(handle, Call::kGetZorbUsageEx2, usage,
-                  [](Connection& from) { return from.engine().usage(); });
+                  [](ServedEngine& from) { return from.engine().usage(); });
 }
 
 int16_t TalGetZorbCommStatEx(int32_t handle, TalCommStat* statistics) {
   return answered(handle, Call::kGetZorbCommStatEx, statistics,
-                  [](Connection& from) { return from.engine().communication(); });
+                  [](ServedEngine& from) { return from.engine().communication(); });
 }
 
 int16_t TalGetOpenFilesData(int32_t handle, uint32_t* count) {
   return answered(handle, Call::kGetOpenFilesData, count,
-                  [](Connection& from) { return from.takeFiles(); });
+                  [](ServedEngine& from) { return from.takeFiles(); });
 }
 
 int16_t TalGetOpenFileName(int32_t handle, uint32_t index, uint32_t* size, char* name) {
@@ -119,46 +119,47 @@ int16_t TalGetOpenFileName(int32_t handle, uint32_t index, uint32_t* size, char*
 }
 
 int16_t TalGetFileInfo2(int32_t handle, const char* name, TalFileInfo* info) {
-  return answered(handle, Call::kGetFileInfo2, info, [&](Connection& from) -> decltype(auto) {
+  return answered(handle, Call::kGetFileInfo2, info, [&](ServedEngine& from) -> decltype(auto) {
     return from.files().find(fileName(name));
   });
 }
 
 int16_t TalFreeOpenFilesData(int32_t handle) {
-  return done(handle, Call::kFreeOpenFilesData, &Connection::releaseFiles);
+  return done(handle, Call::kFreeOpenFilesData, &ServedEngine::releaseFiles);
 }
 
 int16_t TalGetFileHandlesData(int32_t handle, const char* name, uint32_t* count) {
-  return answered(handle, Call::kGetFileHandlesData, count, [&](Connection& from) {
+  return answered(handle, Call::kGetFileHandlesData, count, [&](ServedEngine& from) {
     return from.files().find(fileName(name)).handles.size();
   });
 }
 
 int16_t TalGetFileHandleInfo(int32_t handle, const char* name, uint32_t index,
                              TalFileHandleInfo* info) {
-  return answered(handle, Call::kGetFileHandleInfo, info, [&](Connection& from) -> decltype(auto) {
-    return entryAt(from.files().find(fileName(name)).handles, index);
-  });
+  return answered(handle, Call::kGetFileHandleInfo, info,
+                  [&](ServedEngine& from) -> decltype(auto) {
+                    return entryAt(from.files().find(fileName(name)).handles, index);
+                  });
 }
 
 int16_t TalGetZorbClientsData(int32_t handle, uint32_t* count) {
   return answered(handle, Call::kGetZorbClientsData, count,
-                  [](Connection& from) { return from.takeClients(); });
+                  [](ServedEngine& from) { return from.takeClients(); });
 }
 
 int16_t TalGetZorbClientId(int32_t handle, uint32_t index, tagTALCLIENTID* client) {
   return answered(handle, Call::kGetZorbClientId, client,
-                  [&](Connection& from) -> decltype(auto) { return from.clients().at(index); });
+                  [&](ServedEngine& from) -> decltype(auto) { return from.clients().at(index); });
 }
 
 int16_t TalGetZorbClientInfo(int32_t handle, const tagTALCLIENTID* client, TalClientInfo* info) {
-  return answered(handle, Call::kGetZorbClientInfo, info, [&](Connection& from) -> decltype(auto) {
-    return from.clients().find(required(client));
-  });
+  return answered(
+      handle, Call::kGetZorbClientInfo, info,
+      [&](ServedEngine& from) -> decltype(auto) { return from.clients().find(required(client)); });
 }
 
 int16_t TalGetZorbClientHandlesData(int32_t handle, const tagTALCLIENTID* client, uint32_t* count) {
-  return answered(handle, Call::kGetZorbClientHandlesData, count, [&](Connection& from) {
+  return answered(handle, Call::kGetZorbClientHandlesData, count, [&](ServedEngine& from) {
     return from.clients().find(required(client)).handles.size();
   });
 }
@@ -166,26 +167,26 @@ int16_t TalGetZorbClientHandlesData(int32_t handle, const tagTALCLIENTID* client
 int16_t TalGetZorbClientHandleInfo(int32_t handle, const tagTALCLIENTID* client, uint32_t index,
                                    TalClientHandleInfo* info) {
   return answered(handle, Call::kGetZorbClientHandleInfo, info,
-                  [&](Connection& from) -> decltype(auto) {
+                  [&](ServedEngine& from) -> decltype(auto) {
                     return entryAt(from.clients().find(required(client)).handles, index);
                   });
 }
 
 int16_t TalFreeZorbClientsData(int32_t handle) {
-  return done(handle, Call::kFreeZorbClientsData, &Connection::releaseClients);
+  return done(handle, Call::kFreeZorbClientsData, &ServedEngine::releaseClients);
 }
 
 int16_t TalGetSQLConnectionsData(int32_t handle, uint32_t* count) {
   return answered(handle, Call::kGetSQLConnectionsData, count,
-                  [](Connection& from) { return from.takeSqlConnections(); });
+                  [](ServedEngine& from) { return from.takeSqlConnections(); });
 }
 
 int16_t TalGetSQLConnectionInfo2(int32_t handle, uint32_t index, TalSqlConnectionInfo* info) {
   return answered(
       handle, Call::kGetSQLConnectionInfo2, info,
-      [&](Connection& from) -> decltype(auto) { return entryAt(from.sqlConnections(), index); });
+      [&](ServedEngine& from) -> decltype(auto) { return entryAt(from.sqlConnections(), index); });
 }
 
 int16_t TalFreeSQLConnectionsData(int32_t handle) {
-  return done(handle, Call::kFreeSQLConnectionsData, &Connection::releaseSqlConnections);
+  return done(handle, Call::kFreeSQLConnectionsData, &ServedEngine::releaseSqlConnections);
 }

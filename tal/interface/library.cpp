@@ -1,8 +1,8 @@
-#include "tal/c/library.h"
+#include "tal/interface/library.h"
 
 #include <utility>
 
-namespace tal::c {
+namespace tal::interface {
 namespace {
 
 void throwUnlessSuccess(Status status) {
@@ -26,7 +26,7 @@ std::int32_t Library::connect(std::string_view server, const Credentials& creden
 
 std::int32_t Library::adopt(std::unique_ptr<Engine> engine) {
   requireStarted();
-  auto connection = std::make_unique<Connection>(std::move(engine));
+  auto connection = std::make_unique<ServedEngine>(std::move(engine));
   connection->admit(Call::kConnectServer);
   const std::int32_t handle = ++lastHandle_;
   connections_.emplace(handle, std::move(connection));
@@ -40,17 +40,17 @@ void Library::disconnect(std::int32_t handle) {
     if (handle == kLocalHandle) return;
     throw Failure(Status::kUnknownHandle);
   }
-  Connection& connection = *closing.mapped();
+  ServedEngine& connection = *closing.mapped();
   noteStopStatus(connection);
   connection.admit(Call::kDisconnect);
 }
 
-Connection& Library::serving(std::int32_t handle, Call call) {
+ServedEngine& Library::serving(std::int32_t handle, Call call) {
   requireStarted();
   auto found = connections_.find(handle);
   if (found == connections_.end()) {
     if (handle != kLocalHandle) throw Failure(Status::kUnknownHandle);
-    auto connection = std::make_unique<Connection>(openLocalEngine());
+    auto connection = std::make_unique<ServedEngine>(openLocalEngine());
     found = connections_.emplace(kLocalHandle, std::move(connection)).first;
   }
   return found->second->admit(call);
@@ -61,7 +61,7 @@ Library& Library::requireStarted() {
   return *this;
 }
 
-void Library::noteStopStatus(Connection& closing) {
+void Library::noteStopStatus(ServedEngine& closing) {
   const Status status = closing.engine().answerInstead(Call::kStop);
   if (stopStatus_ == Status::kSuccess) stopStatus_ = status;
 }
@@ -71,4 +71,4 @@ Library& library() {
   return theLibrary;
 }
 
-}  // namespace tal::c
+}  // namespace tal::interface

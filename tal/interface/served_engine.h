@@ -7,22 +7,22 @@
 #include <vector>
 
 #include "engine/tal.h"
-#include "tal/c/client_snapshot.h"
-#include "tal/c/file_snapshot.h"
 #include "tal/engine.h"
+#include "tal/interface/client_snapshot.h"
+#include "tal/interface/file_snapshot.h"
 
-namespace tal::c {
+namespace tal::interface {
 
 // An engine and the snapshots that were taken from it: at most one of each kind, kept until it is
 // released or taken anew. Every failure is thrown as Failure; a look-up allocates nothing.
-class Connection {
+class ServedEngine {
  public:
-  explicit Connection(std::unique_ptr<Engine> engine) noexcept;
+  explicit ServedEngine(std::unique_ptr<Engine> engine) noexcept;
 
   // To be asked before a call is served. Throws Failure when the engine wants another status
   // returned. A list that is about to be taken anew is forgotten here, so that no failure leaves
   // an old one behind.
-  Connection& admit(Call call);
+  ServedEngine& admit(Call call);
 
   [[nodiscard]] Engine& engine() noexcept { return *engine_; }
 
@@ -46,4 +46,4 @@ class Connection {
   std::optional<std::vector<SqlConnection>> sqlConnections_;
 };
 
-}  // namespace tal::c
+}  // namespace tal::interface

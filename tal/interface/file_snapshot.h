@@ -9,7 +9,7 @@
 
 #include "tal/engine.h"
 
-namespace tal::c {
+namespace tal::interface {
 
 // Owns the files of one answer of the engine. Their names are made final here: cleaned, cut to the
 // interface's buffer, and unique, because a name is the key of every look-up. A name that has
@@ -34,4 +34,4 @@ class FileSnapshot {
   std::unordered_map<std::string_view, std::size_t> positions_;
 };
 
-}  // namespace tal::c
+}  // namespace tal::interface

@@ -1,4 +1,4 @@
-#include "tal/c/client_snapshot.h"
+#include "tal/interface/client_snapshot.h"
 
 #include <cstring>
 #include <functional>
@@ -6,11 +6,11 @@
 #include <string_view>
 #include <utility>
 
-#include "tal/c/entry_at.h"
-#include "tal/c/layout.h"
+#include "tal/interface/entry_at.h"
+#include "tal/interface/layout.h"
 #include "tal/text.h"
 
-namespace tal::c {
+namespace tal::interface {
 namespace {
 
 constexpr std::size_t kIdLimit = sizeof(tagTALCLIENTID::text) - 1;
@@ -67,4 +67,4 @@ const Client& ClientSnapshot::find(const tagTALCLIENTID& id) const {
   return clients_[found->second];
 }
 
-}  // namespace tal::c
+}  // namespace tal::interface

@@ -7,7 +7,7 @@
 #include "tal/failure.h"
 #include "tal/status.h"
 
-namespace tal::c {
+namespace tal::interface {
 
 // The entry at `index`, counted from 0. Throws Failure kNoEntry, which ends a list, beyond it.
 template <typename Entry>
@@ -16,4 +16,4 @@ const Entry& entryAt(const std::vector<Entry>& list, std::uint32_t index) {
   return list[index];
 }
 
-}  // namespace tal::c
+}  // namespace tal::interface
