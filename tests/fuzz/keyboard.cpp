@@ -2,7 +2,7 @@
 #include "monitor/MonitorProcessor.h"
 #include "orv/i18n/StringBundle.h"
 #include "output/ProcessWide.h"
-#include "tests/components/RedirectedStreams.h"
+#include "tests/components/redirected_streams.h"
 #include "tests/fuzz/fuzzed_engine.h"
 #include "tests/fuzz/target.h"
 

@@ -6,7 +6,7 @@
 #include "orv/io/BufferedReader.h"
 #include "orv/io/InputStreamReader.h"
 #include "tests/fuzz/target.h"
-#include "tests/unit/MemoryStreams.h"
+#include "tests/unit/memory_streams.h"
 
 namespace fuzzing {
 

@@ -8,7 +8,7 @@
 #include "tal/failure.h"
 #include "tests/fuzz/lines.h"
 #include "tests/fuzz/target.h"
-#include "tests/sql/Table.h"
+#include "tests/sql/table.h"
 
 namespace fuzzing {
 

@@ -9,7 +9,7 @@
 #include "tal/text.h"
 #include "tests/fuzz/served.h"
 #include "tests/fuzz/target.h"
-#include "tests/unit/MemoryStreams.h"
+#include "tests/unit/memory_streams.h"
 
 namespace fuzzing {
 namespace {

@@ -1,7 +1,7 @@
 // What every engine must do, on both servers.
 #include "tests/tal/conformance.h"
 
-#include "tests/mariadb/ServerTest.h"
+#include "tests/mariadb/server_test.h"
 
 namespace tal::test {
 namespace {

@@ -6,7 +6,7 @@
 #include "tal/failure.h"
 #include "tal/mariadb/communication.h"
 #include "tal/mariadb/usage.h"
-#include "tests/sql/Table.h"
+#include "tests/sql/table.h"
 
 namespace tal::mariadb {
 namespace {

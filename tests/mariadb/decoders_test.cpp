@@ -6,7 +6,7 @@
 #include "tal/mariadb/clients.h"
 #include "tal/mariadb/open_files.h"
 #include "tal/mariadb/sql_connections.h"
-#include "tests/sql/Table.h"
+#include "tests/sql/table.h"
 
 namespace tal::mariadb {
 namespace {

@@ -6,8 +6,8 @@
 #include "tal/mariadb/connection.h"
 #include "tal/mariadb/location.h"
 #include "tal/mariadb/mariadb.h"
-#include "tests/mariadb/Loopback.h"
-#include "tests/mariadb/ServerTest.h"
+#include "tests/mariadb/loopback.h"
+#include "tests/mariadb/server_test.h"
 #include "tests/mariadb/wait_until.h"
 #include "tests/support/frozen.h"
 

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "tests/mariadb/ServerTest.h"
+#include "tests/mariadb/server_test.h"
 #include "tests/mariadb/wait_until.h"
 
 namespace mariadb_testing {

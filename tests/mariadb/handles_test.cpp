@@ -1,5 +1,5 @@
 // Who holds or awaits what: each situation made on a real server.
-#include "tests/mariadb/ServerTest.h"
+#include "tests/mariadb/server_test.h"
 
 namespace mariadb_testing {
 namespace {

@@ -4,9 +4,9 @@
 #include <optional>
 
 #include "tal/sql/system_user.h"
-#include "tests/mariadb/Loopback.h"
-#include "tests/mariadb/ServerTest.h"
-#include "tests/sql/FakeHost.h"
+#include "tests/mariadb/loopback.h"
+#include "tests/mariadb/server_test.h"
+#include "tests/sql/fake_host.h"
 #include "tests/support/frozen.h"
 #include "tests/support/temporary_folder.h"
 

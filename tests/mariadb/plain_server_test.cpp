@@ -1,5 +1,5 @@
 // A server as servers are by default: the same statements answer, and what is lost is not invented.
-#include "tests/mariadb/ServerTest.h"
+#include "tests/mariadb/server_test.h"
 
 namespace mariadb_testing {
 namespace {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "tal/mariadb/clients.h"
-#include "tests/sql/Table.h"
+#include "tests/sql/table.h"
 
 namespace tal::mariadb {
 namespace {

@@ -1,7 +1,7 @@
 // The engine behind the C interface.
 #include "tests/tal/conformance.h"
 
-#include "tests/postgresql/ServerTest.h"
+#include "tests/postgresql/server_test.h"
 
 namespace tal::test {
 namespace {

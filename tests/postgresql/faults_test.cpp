@@ -7,8 +7,8 @@
 
 #include "tal/postgresql/postgresql.h"
 #include "tal/postgresql/statements.h"
-#include "tests/postgresql/FakeServer.h"
-#include "tests/postgresql/ServerTest.h"
+#include "tests/postgresql/fake_server.h"
+#include "tests/postgresql/server_test.h"
 #include "tests/support/frozen.h"
 
 namespace testing_support {

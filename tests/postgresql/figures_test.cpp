@@ -6,7 +6,7 @@
 #include <string>
 
 #include "tal/postgresql/postgresql.h"
-#include "tests/postgresql/ServerTest.h"
+#include "tests/postgresql/server_test.h"
 
 namespace testing_support {
 namespace {

@@ -1,7 +1,7 @@
 // What is listed under which name, and what is not.
 #include <string>
 
-#include "tests/postgresql/SituationTest.h"
+#include "tests/postgresql/situation_test.h"
 
 namespace testing_support {
 namespace {

@@ -9,9 +9,9 @@
 #include "tal/failure.h"
 #include "tal/postgresql/login_attempt.h"
 #include "tal/postgresql/postgresql.h"
-#include "tests/postgresql/FakeServer.h"
-#include "tests/postgresql/ServerTest.h"
-#include "tests/sql/FakeHost.h"
+#include "tests/postgresql/fake_server.h"
+#include "tests/postgresql/server_test.h"
+#include "tests/sql/fake_host.h"
 #include "tests/support/temporary_folder.h"
 
 namespace testing_support {

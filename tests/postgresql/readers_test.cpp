@@ -11,7 +11,7 @@
 #include "tal/postgresql/open_files.h"
 #include "tal/postgresql/sql_connections.h"
 #include "tal/postgresql/usage.h"
-#include "tests/sql/Table.h"
+#include "tests/sql/table.h"
 
 namespace tal::postgresql {
 namespace {

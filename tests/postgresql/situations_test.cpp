@@ -1,7 +1,7 @@
 // What the lists show of what users do: transactions, locks of each kind, waits.
 #include <string>
 
-#include "tests/postgresql/SituationTest.h"
+#include "tests/postgresql/situation_test.h"
 
 namespace testing_support {
 namespace {

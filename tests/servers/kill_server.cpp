@@ -3,7 +3,7 @@
 #include <libpq-fe.h>
 #include <signal.h>
 
-#include "tests/postgresql/ServerTest.h"
+#include "tests/postgresql/server_test.h"
 #include "tests/servers/shared_memory.h"
 
 namespace servers_testing {

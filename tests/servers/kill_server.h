@@ -1,8 +1,8 @@
 // The sudden death of a server.
 #pragma once
 
-#include "tests/mariadb/PrivateServer.h"
-#include "tests/postgresql/PrivateServer.h"
+#include "tests/mariadb/private_server.h"
+#include "tests/postgresql/private_server.h"
 
 namespace servers_testing {
 

@@ -1,9 +1,9 @@
 // Servers that cannot be watched: what zelk says and how it ends, in either form.
 #include <nlohmann/json.hpp>
 
-#include "tests/mariadb/Loopback.h"
-#include "tests/mariadb/ServerTest.h"
-#include "tests/postgresql/ServerTest.h"
+#include "tests/mariadb/loopback.h"
+#include "tests/mariadb/server_test.h"
+#include "tests/postgresql/server_test.h"
 #include "tests/program/program_under_test.h"
 #include "tests/servers/monitor.h"
 

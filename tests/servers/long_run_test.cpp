@@ -2,8 +2,8 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "tests/mariadb/ServerTest.h"
-#include "tests/postgresql/ServerTest.h"
+#include "tests/mariadb/server_test.h"
+#include "tests/postgresql/server_test.h"
 #include "tests/servers/kill_server.h"
 #include "tests/servers/timed_run.h"
 #include "tests/support/frozen.h"

@@ -1,7 +1,7 @@
 // What zelk reports of a MariaDB server under a small load, beside what the server says itself.
 #include <thread>
 
-#include "tests/mariadb/ServerTest.h"
+#include "tests/mariadb/server_test.h"
 #include "tests/mariadb/wait_until.h"
 #include "tests/servers/monitor.h"
 #include "tests/support/text_comparison.h"

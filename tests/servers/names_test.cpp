@@ -1,7 +1,7 @@
 // Names that hold what could break a line or drive a terminal.
-#include "tests/mariadb/ServerTest.h"
+#include "tests/mariadb/server_test.h"
 #include "tests/mariadb/wait_until.h"
-#include "tests/postgresql/ServerTest.h"
+#include "tests/postgresql/server_test.h"
 #include "tests/servers/monitor.h"
 #include "tests/support/text_comparison.h"
 

@@ -1,7 +1,7 @@
 // What zelk reports of a PostgreSQL server under a small load, beside what the server says itself.
 #include <vector>
 
-#include "tests/postgresql/ServerTest.h"
+#include "tests/postgresql/server_test.h"
 #include "tests/servers/monitor.h"
 #include "tests/support/text_comparison.h"
 

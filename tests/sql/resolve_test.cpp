@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "tal/failure.h"
-#include "tests/sql/FakeHost.h"
+#include "tests/sql/fake_host.h"
 
 namespace tal::sql {
 namespace {

@@ -1,0 +1,104 @@
+#include "tests/postgresql/server_test.h"
+
+#include <chrono>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+
+#include "tal/failure.h"
+#include "tal/postgresql/postgresql.h"
+#include "tests/support/process.h"
+
+namespace testing_support {
+namespace {
+
+std::optional<PrivateServer>& holder() {
+  static std::optional<PrivateServer> server;
+  return server;
+}
+
+// Stops the server when the tests are over, before static objects go.
+class StopServer : public testing::Environment {
+ public:
+  void TearDown() override { holder().reset(); }
+};
+
+}  // namespace
+
+PrivateServer& sharedServer() {
+  if (!holder()) {
+    prepare(holder().emplace());
+    testing::AddGlobalTestEnvironment(new StopServer);
+  }
+  return *holder();
+}
+
+Session superuser(const PrivateServer& server, const std::string& database,
+                  const std::string& name) {
+  return {server.connectionString("postgres", PrivateServer::kPassword, database), name};
+}
+
+void prepare(const PrivateServer& server) {
+  Session admin = superuser(server, "postgres", "admin");
+  admin.run("CREATE DATABASE app");
+  admin.run(
+      "CREATE ROLE zelk LOGIN PASSWORD 'secret';"
+      "CREATE ROLE guest LOGIN PASSWORD 'secret';"
+      "CREATE ROLE limited LOGIN PASSWORD 'secret' CONNECTION LIMIT 0;"
+      "CREATE ROLE sleeper PASSWORD 'secret';"
+      "GRANT pg_read_all_stats TO zelk");
+}
+
+std::unique_ptr<tal::Engine> openEngine(const PrivateServer& server) {
+  return tal::postgresql::open("127.0.0.1:" + std::to_string(server.port()) + "/app",
+                               {"zelk", PrivateServer::kPassword});
+}
+
+tal::Status statusOf(const std::function<void()>& action) {
+  try {
+    action();
+    return tal::Status::kSuccess;
+  } catch (const tal::Failure& failure) {
+    return failure.status();
+  }
+}
+
+void waitUntil(const std::function<bool()>& condition) {
+  const auto end = std::chrono::steady_clock::now() + kDeadline;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) throw std::runtime_error("waited in vain");
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+}
+
+void ServerTest::SetUp() {
+  admin_.run(
+      "DROP SCHEMA public CASCADE;"
+      "CREATE SCHEMA public;"
+      "CREATE TABLE t (id int PRIMARY KEY, note text);"
+      "CREATE INDEX t_note ON t (note);"
+      "INSERT INTO t SELECT n, 'note ' || n FROM generate_series(1, 100) n;"
+      "ANALYZE t");
+}
+
+void ServerTest::TearDown() {
+  waitUntil([this] {
+    return admin_.value(
+               "SELECT count(pg_terminate_backend(pid)) FROM pg_stat_activity"
+               " WHERE backend_type IN ('client backend', 'parallel worker',"
+               " 'autovacuum worker') AND pid <> pg_backend_pid()") == "0";
+  });
+}
+
+Session ServerTest::session(const std::string& name, const std::string& database) {
+  return superuser(server_, database, name);
+}
+
+void ServerTest::waitUntilBlocked(const Session& session) {
+  waitUntil([&] {
+    return admin_.value("SELECT wait_event_type FROM pg_stat_activity WHERE pid = " +
+                        std::to_string(session.process())) == "Lock";
+  });
+}
+
+}  // namespace testing_support

@@ -1,0 +1,225 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <string_view>
+#include <thread>
+
+#include "orv/Exception.h"
+#include "orv/io/FileDescriptor.h"
+#include "orv/io/FileOutputStream.h"
+#include "orv/io/StdioOutputStream.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/unit/pipe.h"
+#include "tests/unit/printing.h"
+
+namespace {
+
+using orv::String;
+using orv::io::FileOutputStream;
+using orv::io::IoException;
+using testing_support::Pipe;
+using testing_support::readFile;
+using testing_support::TemporaryFolder;
+
+// Far more than a pipe holds.
+const std::string kLongText = [] {
+  std::string text;
+  while (text.size() < (1U << 20U)) text += std::to_string(text.size()) + "\n";
+  return text;
+}();
+
+String narrow(const std::filesystem::path& path) { return String(path.string()); }
+
+template <class Action>
+String descriptionOf(const Action& action) {
+  try {
+    action();
+  } catch (const IoException& exception) {
+    return exception.getDescription();
+  }
+  return "nothing was thrown";
+}
+
+TEST(WriteFully, GoesOnAfterShortWritesToANonBlockingPipe) {
+  Pipe pipe;
+  ASSERT_EQ(fcntl(pipe.writeEnd(), F_SETFL, O_NONBLOCK), 0);
+  std::string received;
+  std::thread reader([&] { received = pipe.readAll(); });
+
+  orv::io::writeFully(pipe.writeEnd(), kLongText, "the pipe");
+  pipe.closeWriteEnd();
+  reader.join();
+
+  EXPECT_EQ(received, kLongText);
+}
+
+TEST(WriteFully, GoesOnAfterSignals) {
+  const testing_support::InterruptingSignal signal;
+  Pipe pipe;
+  const pthread_t writer = pthread_self();
+  std::string received;
+  std::thread reader([&] {
+    char buffer[4096];
+    while (received.size() < kLongText.size()) {
+      pthread_kill(writer, signal.kNumber);
+      received.append(buffer, orv::io::readSome(pipe.readEnd(), buffer, sizeof buffer));
+    }
+  });
+
+  orv::io::writeFully(pipe.writeEnd(), kLongText, "the pipe");
+  reader.join();
+
+  EXPECT_EQ(received, kLongText);
+}
+
+TEST(WriteFully, NamesWhatCannotBeWritten) {
+  const String description = descriptionOf([] { orv::io::writeFully(-1, "x", "the target"); });
+
+  EXPECT_EQ(description, "Cannot write to the target: Bad file descriptor");
+}
+
+TEST(WriteFully, AsksTheSystemNothingForNoBytes) {
+  EXPECT_NO_THROW(orv::io::writeFully(-1, "", "the target"));
+}
+
+TEST(WriteFullyDeathTest, TakesItsErrorTextFromTheProgram) {
+  const auto writeWithText = [] {
+    orv::io::setWriteErrorText(
+        [](const String& target, const String& reason) { return target + "|" + reason; });
+    FileOutputStream full("/dev/full");
+    std::cerr << descriptionOf([&] { full.write("x"); }).toBytes();
+    std::exit(1);
+  };
+
+  EXPECT_EXIT(writeWithText(), ::testing::ExitedWithCode(1),
+              "^/dev/full\\|No space left on device$");
+}
+
+TEST(FileOutputStream, TellsThatTheDiskIsFull) {
+  FileOutputStream full("/dev/full");
+
+  try {
+    full.write("x");
+    FAIL() << "the write was silent";
+  } catch (const IoException& exception) {
+    EXPECT_EQ(exception.getDescription(), "Cannot write to /dev/full: No space left on device");
+    EXPECT_EQ(exception.getResult(), orv::resultOfErrno(ENOSPC));
+  }
+}
+
+TEST(FileOutputStream, EmptiesTheFileUnlessItAppends) {
+  const TemporaryFolder folder;
+  testing_support::writeFile(folder / "log", "old");
+
+  FileOutputStream(narrow(folder / "log"), true).write(" and new");
+  EXPECT_EQ(readFile(folder / "log"), "old and new");
+  FileOutputStream(narrow(folder / "log")).write("newer");
+
+  EXPECT_EQ(readFile(folder / "log"), "newer");
+}
+
+TEST(FileOutputStream, WritesToTheEndOfAFileThatWasEmptied) {
+  const TemporaryFolder folder;
+  FileOutputStream stream(narrow(folder / "log"));
+  stream.write("before the rotation");
+
+  std::filesystem::resize_file(folder / "log", 0);
+  stream.write("after");
+
+  EXPECT_EQ(readFile(folder / "log"), "after");
+}
+
+TEST(FileOutputStream, WritesEveryByteAtOnce) {
+  const TemporaryFolder folder;
+  FileOutputStream stream(narrow(folder / "log"));
+
+  stream.write(std::string_view("a\0\xFF", 3));
+
+  EXPECT_EQ(readFile(folder / "log"), std::string("a\0\xFF", 3));
+}
+
+// Why a path cannot be opened; 0 if it can.
+orv::Result refusalOf(const std::string& path) {
+  try {
+    const FileOutputStream stream{String(path)};
+    return 0;
+  } catch (const orv::ResultException& exception) {
+    return exception.getResult();
+  }
+}
+
+TEST(FileOutputStream, TellsWhyItCannotOpen) {
+  const TemporaryFolder folder;
+  testing_support::writeFile(folder / "file", "");
+
+  EXPECT_EQ(refusalOf((folder / "file").string()), 0);
+  EXPECT_EQ(refusalOf((folder / "missing/log").string()), orv::kFileNotFound);
+  EXPECT_EQ(refusalOf((folder / "file/below").string()), orv::kFileNotFound);
+  EXPECT_EQ(refusalOf(folder.path().string()), orv::resultOfErrno(EISDIR));
+  EXPECT_EQ(refusalOf(""), orv::kFileNotFound);
+  EXPECT_EQ(refusalOf(std::string(5000, 'x')), orv::resultOfErrno(ENAMETOOLONG));
+}
+
+TEST(FileOutputStream, OpensNamesInAnyEncoding) {
+  const TemporaryFolder folder;
+  const std::string name = (folder / "\xFF\xC3\xA4\xC3").string();
+
+  FileOutputStream{String(name)}.write("x");
+
+  EXPECT_EQ(readFile(name), "x");
+}
+
+TEST(FileOutputStream, RefusesToWriteOnceClosed) {
+  const TemporaryFolder folder;
+  FileOutputStream stream(narrow(folder / "log"));
+
+  stream.close();
+  stream.close();
+
+  EXPECT_THROW(stream.write("x"), IoException);
+}
+
+TEST(FileOutputStream, TellsWhenItCannotBeClosed) {
+  const TemporaryFolder folder;
+  const int next = dup(STDERR_FILENO);  // what the stream will open as
+  ::close(next);
+  FileOutputStream stream(narrow(folder / "log"));
+  ASSERT_EQ(::close(next), 0);
+
+  const String description = descriptionOf([&] { stream.close(); });
+
+  EXPECT_EQ(description, "Cannot write to " + narrow(folder / "log") + ": Bad file descriptor");
+  EXPECT_NO_THROW(stream.close());
+}
+
+TEST(StdioOutputStreamDeathTest, WritesToStandardError) {
+  const auto writeError = [] {
+    const auto stream = orv::io::StdioOutputStream::getStdErrorStream();
+    stream->close();
+    stream->write("still open");
+    std::exit(0);
+  };
+
+  EXPECT_EXIT(writeError(), ::testing::ExitedWithCode(0), "^still open$");
+}
+
+TEST(StdioOutputStreamDeathTest, NamesStandardOutputWhenItIsClosed) {
+  const auto writeClosed = [] {
+    ::close(STDOUT_FILENO);
+    orv::io::StdioOutputStream stream;
+    std::cerr << descriptionOf([&] { stream.write("x"); }).toBytes();
+    std::exit(1);
+  };
+
+  EXPECT_EXIT(writeClosed(), ::testing::ExitedWithCode(1),
+              "^Cannot write to standard output: Bad file descriptor$");
+}
+
+}  // namespace
