@@ -16,6 +16,8 @@ orv::String writeErrorText(const orv::String& target, const orv::String& reason)
 
 }  // namespace
 
+const char* const kProgramVersion = ZELK_VERSION;
+
 orv::Reference<orv::io::PrintWriter> s_pw;
 orv::Reference<orv::io::PrintWriter> s_errpw;
 orv::Reference<MessageHelper> s_msgHelper;

@@ -6,7 +6,8 @@
 #include "orv/io/OutputStream.h"
 #include "orv/io/PrintWriter.h"
 
-inline constexpr const char* kProgramVersion = "15.21.016.000";
+// Four numbers, such as "15.21.016.000".
+extern const char* const kProgramVersion;
 
 // Standard output and standard error, flushed with each line, and the program's own messages. Null
 // until createProcessWideObjects().
