@@ -31,7 +31,8 @@ using testing_support::TemporaryFolder;
 // Far more than a pipe holds.
 const std::string kLongText = [] {
   std::string text;
-  while (text.size() < (1U << 20U)) text += std::to_string(text.size()) + "\n";
+  const std::string filling(1000, '.');
+  while (text.size() < (1U << 20U)) text += std::to_string(text.size()) + filling + "\n";
   return text;
 }();
 
