@@ -1,4 +1,5 @@
-// Runs the program on each folder of golden/ and compares everything that it leaves. A folder has
+// Runs the program in each situation of golden/ and compares everything that it leaves. A situation
+// is a folder with
 //
 //   args              the command line, an argument on each line
 //   zelk.cfg          the configuration, if any; like all other files it is copied to where the
@@ -8,11 +9,18 @@
 //                     engine library where the answers are such as that one never gives
 //   stdin             what is typed; without it standard input is at its end
 //   locale            the locale for messages; without it there is none
-//   stdout.expected   stderr.expected   exit.expected
+//
+// and what is expected:
+//
+//   stdout.expected   stderr.expected   without the file, nothing
+//   exit.expected     without it, status 0
 //   log.expected      the file monitor.log; without it there must be none
 //
-// Times are masked. Each case runs a second time where a decimal comma is usual: nothing may
-// change.
+// These stand in the folder itself when the program runs once, with its arguments as they are.
+// Where the folder holds json/ it runs twice: text/ has what is expected of these arguments, json/
+// what is expected when "-JSON" follows them.
+//
+// Times are masked. Each run is repeated where a decimal comma is usual: nothing may change.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -40,10 +48,16 @@ using testing_support::run;
 using testing_support::sameAsFile;
 using testing_support::TemporaryFolder;
 
-std::vector<std::string> caseNames() {
+// One run: the name of a situation, or that with "/text" or "/json".
+std::vector<std::string> runNames() {
   std::vector<std::string> names;
   for (const auto& entry : std::filesystem::directory_iterator(GOLDEN_FOLDER)) {
-    names.push_back(entry.path().filename());
+    const std::string situation = entry.path().filename();
+    if (std::filesystem::exists(entry.path() / "json")) {
+      names.insert(names.end(), {situation + "/text", situation + "/json"});
+    } else {
+      names.push_back(situation);
+    }
   }
   std::sort(names.begin(), names.end());
   return names;
@@ -51,7 +65,8 @@ std::vector<std::string> caseNames() {
 
 std::string testName(const ::testing::TestParamInfo<std::string>& info) {
   std::string name = info.param;
-  std::replace(name.begin(), name.end(), '-', '_');
+  std::ranges::replace(name, '-', '_');
+  std::ranges::replace(name, '/', '_');
   return name;
 }
 
@@ -74,13 +89,13 @@ class Golden : public ::testing::TestWithParam<std::string> {
   void check(Environment environment) {
     const Result result = run(command(std::move(environment)));
 
-    EXPECT_TRUE(sameAsFile(source_ / "stdout.expected", maskTimes(result.output)));
-    EXPECT_TRUE(sameAsFile(source_ / "stderr.expected", result.error));
-    EXPECT_TRUE(sameAsFile(source_ / "exit.expected", textOf(result.ending)));
+    EXPECT_TRUE(sameAsFile(expected_ / "stdout.expected", maskTimes(result.output)));
+    EXPECT_TRUE(sameAsFile(expected_ / "stderr.expected", result.error));
+    EXPECT_TRUE(sameAsFile(expected_ / "exit.expected", textOf(result.ending)));
     const bool hasLog = std::filesystem::exists(work_ / "monitor.log");
-    EXPECT_TRUE(sameAsFile(source_ / "log.expected",
+    EXPECT_TRUE(sameAsFile(expected_ / "log.expected",
                            hasLog ? maskTimes(readFile(work_ / "monitor.log")) : ""));
-    EXPECT_EQ(hasLog, std::filesystem::exists(source_ / "log.expected"));
+    EXPECT_EQ(hasLog, std::filesystem::exists(expected_ / "log.expected"));
   }
 
   [[nodiscard]] bool hasLocale() const { return std::filesystem::exists(source_ / "locale"); }
@@ -93,6 +108,7 @@ class Golden : public ::testing::TestWithParam<std::string> {
  private:
   Command command(Environment environment) {
     Command command{.program = builtProgram(), .arguments = linesOf(readFile(source_ / "args"))};
+    if (expected_.filename() == "json") command.arguments.push_back("-JSON");
     if (std::filesystem::exists(source_ / "engine")) {
       const ProgramTree tree(folder_ / "tree");
       tree.replaceEngine(settableEngine());
@@ -108,11 +124,15 @@ class Golden : public ::testing::TestWithParam<std::string> {
   }
 
   static std::string textOf(const Ending& ending) {
+    if (ending == Ending::exit(0)) return "";
     return ending.status ? std::to_string(*ending.status) + "\n"
                          : "signal " + std::to_string(ending.signal.value_or(0)) + "\n";
   }
 
-  const std::filesystem::path source_ = std::filesystem::path(GOLDEN_FOLDER) / GetParam();
+  static std::string situation() { return GetParam().substr(0, GetParam().find('/')); }
+
+  const std::filesystem::path source_ = std::filesystem::path(GOLDEN_FOLDER) / situation();
+  const std::filesystem::path expected_ = std::filesystem::path(GOLDEN_FOLDER) / GetParam();
   const TemporaryFolder folder_;
   const std::filesystem::path work_ = folder_ / "work";
 };
@@ -125,7 +145,7 @@ TEST_P(Golden, IsTheSameWithADecimalComma) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Case, Golden, ::testing::ValuesIn(caseNames()), testName);
+INSTANTIATE_TEST_SUITE_P(Case, Golden, ::testing::ValuesIn(runNames()), testName);
 
 // The second run would prove nothing if the locale could not be loaded.
 TEST(DecimalComma, IsInForce) {
