@@ -28,9 +28,9 @@ Client clientIn(const sql::RowSource& row) {
   client.id = sql::text(row, kProcess);
   client.site = sql::code(row, kSite, site::kUnknown);
   client.networkAddress = sql::text(row, kNetworkAddress);
-  client.locksUsed = sql::clampUnsigned(sql::integer(row, kLocksUsed));
+  client.locksUsed = sql::count(row, kLocksUsed);
   client.transactionState = sql::code(row, kTransactionState, transaction_state::kUnknown);
-  client.processId = sql::clampUnsigned(sql::integer(row, kProcess));
+  client.processId = sql::count(row, kProcess);
   client.sessionName = sql::text(row, kSessionName);
   return client;
 }

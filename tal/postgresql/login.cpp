@@ -13,7 +13,7 @@
 namespace tal::postgresql {
 
 ConnectionHandle login(const Location& location, const Credentials& credentials,
-                       const sql::Deadline& deadline) {
+                       sql::SocketCutter& cutter, const sql::Deadline& deadline) {
   Target target{.host = location.host,
                 .address = {},
                 .port = location.port,
@@ -21,14 +21,14 @@ ConnectionHandle login(const Location& location, const Credentials& credentials,
                 .user = credentials.user.empty() ? sql::systemUser() : credentials.user,
                 .password = credentials.password,
                 .requireTls = false};
-  if (location.isSocket()) return connectTo(target, deadline);
+  if (location.isSocket()) return connectTo(target, cutter, deadline);
 
   const std::vector<std::string> addresses = sql::resolveHost(location.host, deadline);
   target.requireTls = !std::ranges::all_of(addresses, &sql::isLoopback);
   return sql::firstReachable(addresses, deadline,
-                             [&target](const std::string& address, const sql::Deadline& share) {
+                             [&](const std::string& address, const sql::Deadline& share) {
                                target.address = address;
-                               return connectTo(target, share);
+                               return connectTo(target, cutter, share);
                              });
 }
 

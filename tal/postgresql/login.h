@@ -5,6 +5,7 @@
 #include "tal/postgresql/handles.h"
 #include "tal/postgresql/location.h"
 #include "tal/sql/deadline.h"
+#include "tal/sql/socket_cutter.h"
 
 namespace tal::postgresql {
 
@@ -12,6 +13,6 @@ namespace tal::postgresql {
 // used where the server offers it; outside this machine it is required. Throws Failure
 // with the reason, kNoAnswer when `deadline` passes.
 ConnectionHandle login(const Location& location, const Credentials& credentials,
-                       const sql::Deadline& deadline);
+                       sql::SocketCutter& cutter, const sql::Deadline& deadline);
 
 }  // namespace tal::postgresql

@@ -64,12 +64,14 @@ ConnectionHandle startConnecting(const Target& target) {
 
 }  // namespace
 
-ConnectionHandle connectTo(const Target& target, const sql::Deadline& deadline) {
+ConnectionHandle connectTo(const Target& target, sql::SocketCutter& cutter,
+                           const sql::Deadline& deadline) {
   ConnectionHandle connection = startConnecting(target);
   const AnswerLimit limit(connection.get());
   PostgresPollingStatusType next = PGRES_POLLING_WRITING;
   while (next != PGRES_POLLING_OK) {
     const short event = next == PGRES_POLLING_READING ? POLLIN : POLLOUT;
+    cutter.watch(PQsocket(connection.get()));
     sql::waitForSocket(PQsocket(connection.get()), event, deadline);
     const Progress progress = progressOf(connection.get());
     next = poll(connection.get());

@@ -28,16 +28,16 @@ enum Column : std::size_t {
 
 OpenFile fileIn(const sql::RowSource& row) {
   return {.name = sql::text(row, kName),
-          .pageSize = sql::clampUnsigned(sql::integer(row, kPageSize)),
+          .pageSize = sql::count(row, kPageSize),
           .readOnly = sql::code(row, kReadOnly, flag::kUnknown),
           .recordLocks = sql::code(row, kRecordLocks, flag::kUnknown),
           .transactionLock = sql::code(row, kTransactionLock, flag::kUnknown),
-          .sizeKb = sql::clampUnsigned(sql::integer(row, kSizeKb)),
+          .sizeKb = sql::count(row, kSizeKb),
           .handles = {}};
 }
 
 FileHandle handleIn(const sql::RowSource& row) {
-  return {.clientIndex = sql::clampUnsigned(sql::integer(row, kClientIndex)),
+  return {.clientIndex = sql::count(row, kClientIndex),
           .openMode = sql::code(row, kOpenMode, open_mode::kUnknown),
           .recordLockType = sql::code(row, kLockType, record_lock::kUnknown),
           .waitState = sql::code(row, kWaitState, wait_state::kUnknown),

@@ -10,6 +10,7 @@
 #include "tal/postgresql/sql_connections.h"
 #include "tal/postgresql/statements.h"
 #include "tal/postgresql/usage.h"
+#include "tal/sql/bounded_engine.h"
 #include "tal/sql/deadline.h"
 
 namespace tal::postgresql {
@@ -94,15 +95,22 @@ void checkPrivileges(Connection& connection, const sql::Deadline& deadline) {
   if (!rows.next() || sql::text(rows, 0) != "t") throw Failure(Status::kPrivilegeMissing);
 }
 
-}  // namespace
-
-std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials) {
+std::unique_ptr<Engine> openUnbounded(const Location& location, const Credentials& credentials,
+                                      sql::SocketCutter& cutter) {
   const sql::Deadline deadline(sql::kCallLimit);
-  Connection connection(
-      login(parseLocation(location), credentials, deadline.within(sql::kConnectLimit)));
+  Connection connection(login(location, credentials, cutter, deadline.within(sql::kConnectLimit)));
   if (connection.serverVersion() < kOldestVersion) throw Failure(Status::kVersionNotSupported);
   checkPrivileges(connection, deadline);
   return std::make_unique<PostgresqlEngine>(std::move(connection));
+}
+
+}  // namespace
+
+std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials) {
+  return sql::openBounded(
+      [parsed = parseLocation(location), credentials](sql::SocketCutter& cutter) {
+        return openUnbounded(parsed, credentials, cutter);
+      });
 }
 
 }  // namespace tal::postgresql

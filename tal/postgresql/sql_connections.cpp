@@ -27,8 +27,8 @@ std::vector<SqlConnection> readSqlConnections(sql::RowSource& rows) {
                            .networkAddress = sql::text(rows, kNetworkAddress),
                            .userName = sql::text(rows, kUser),
                            .status = sql::code(rows, kStatus, connection_status::kIdle),
-                           .periodMs = sql::clampUnsigned(sql::integer(rows, kPeriodMs)),
-                           .totalTime = sql::clampUnsigned(sql::integer(rows, kTotalSeconds))});
+                           .periodMs = sql::count(rows, kPeriodMs),
+                           .totalTime = sql::count(rows, kTotalSeconds)});
   }
   return connections;
 }

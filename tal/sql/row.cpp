@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "tal/failure.h"
+#include "tal/sql/numbers.h"
 
 namespace tal::sql {
 
@@ -21,6 +22,10 @@ std::int64_t integer(const RowSource& row, std::size_t column) {
   if (error == std::errc{}) return value;
   return cell->front() == '-' ? std::numeric_limits<std::int64_t>::min()
                               : std::numeric_limits<std::int64_t>::max();
+}
+
+std::uint32_t count(const RowSource& row, std::size_t column) {
+  return clampUnsigned(integer(row, column));
 }
 
 }  // namespace tal::sql

@@ -34,6 +34,10 @@ std::string text(const RowSource& row, std::size_t column);
 // Throws Failure(kServerError) for a text that is no whole number.
 std::int64_t integer(const RowSource& row, std::size_t column);
 
+// A column as a number of the interface: what is below 0 is 0, what does not fit 32 bits is the
+// largest that does. Throws as integer() does.
+std::uint32_t count(const RowSource& row, std::size_t column);
+
 // A column as a code of the interface; NULL and what does not fit `Code` are `unknown`.
 template <std::integral Code>
 Code code(const RowSource& row, std::size_t column, Code unknown) {

@@ -148,9 +148,9 @@ TEST_F(ListingTest, ViewsAndPartitionedTablesAreNoFiles) {
             "child 254/78/0/1019, t 254/78/0/1019, t_note 254/78/0/1019, t_pkey 254/78/0/1019");
 }
 
-TEST_F(ListingTest, NamesAreRaw) {
+TEST_F(ListingTest, NamesAreRawButForQuotesAndBackslashes) {
   Session first = session("first");
-  const std::string names[] = {"CamelCase", "we\"ird \\name", "na\xc3\xafve"};
+  const std::string names[] = {"CamelCase", "we?ird ?name", "na\xc3\xafve"};
   first.run(
       "CREATE TABLE \"CamelCase\" (id int); CREATE TABLE \"we\"\"ird \\name\" (id int);"
       "CREATE TABLE \"na\xc3\xafve\" (id int)");

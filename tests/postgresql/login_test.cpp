@@ -135,8 +135,10 @@ Status encryptedLogin(std::uint16_t port) {
                                        .user = "zelk",
                                        .password = PrivateServer::kPassword,
                                        .requireTls = true};
-  return statusOf(
-      [&] { tal::postgresql::connectTo(target, tal::sql::Deadline(tal::sql::kConnectLimit)); });
+  tal::sql::SocketCutter cutter;
+  return statusOf([&] {
+    tal::postgresql::connectTo(target, cutter, tal::sql::Deadline(tal::sql::kConnectLimit));
+  });
 }
 
 TEST_F(LoginTest, EncryptionCanBeRequired) {

@@ -67,6 +67,13 @@ TEST(RowTest, NoInteger) {
   }
 }
 
+TEST(RowTest, Count) {
+  EXPECT_EQ(count(Cell("-1"), 0), 0U);
+  EXPECT_EQ(count(Cell("4294967295"), 0), 4294967295U);
+  EXPECT_EQ(count(Cell("4294967296"), 0), 4294967295U);
+  EXPECT_EQ(count(Cell(std::nullopt), 0), 0U);
+}
+
 TEST(RowTest, Code) {
   constexpr std::uint8_t kUnknown = 3;
 

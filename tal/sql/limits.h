@@ -1,0 +1,18 @@
+// How much one answer of a server may become: memory, and lines of a report.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tal::sql {
+
+// Bytes of one answer as they come from the network. Kept rows take a few times as much.
+inline constexpr std::uint64_t kMostBytes = 64ULL << 20U;
+
+// Rows of one answer.
+inline constexpr std::size_t kMostRows = 250'000;
+
+// Handles in one list. See handle_limit.h for a list that has more.
+inline constexpr std::size_t kMostHandles = 50'000;
+
+}  // namespace tal::sql
