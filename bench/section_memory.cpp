@@ -8,7 +8,7 @@
 #include "bench/configuration.h"
 #include "bench/refresh.h"
 #include "orv/Exception.h"
-#include "orv/Functions.h"
+#include "orv/Process.h"
 #include "tests/support/process_memory.h"
 #include "tests/support/temporary_folder.h"
 

@@ -10,8 +10,7 @@
 
 #include "companions/shared/engine.h"
 #include "orv/Exception.h"
-#include "orv/StandardDescriptors.h"
-#include "orv/StopSignals.h"
+#include "orv/Process.h"
 
 namespace companions {
 namespace {

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 
-#include "config/ConfigException.h"
 #include "config/ConfigFileReader.h"
 #include "messages/MessageHelper.h"
 

@@ -2,17 +2,14 @@
 #include <clocale>
 #include <new>
 
-#include "app/displayUsage.h"
-#include "app/failures.h"
-#include "app/parseArgs.h"
-#include "config/ConfigException.h"
+#include "app/CommandLine.h"
+#include "app/Failures.h"
 #include "config/ConfigFileReader.h"
-#include "engine/VXAException.h"
+#include "engine/VXAMonitorHelper.h"
 #include "monitor/JsonFrame.h"
 #include "monitor/MonitorProcessor.h"
 #include "orv/Exception.h"
-#include "orv/StandardDescriptors.h"
-#include "orv/StopSignals.h"
+#include "orv/Process.h"
 #include "output/ProcessWide.h"
 
 namespace {

@@ -6,12 +6,10 @@
 #include <string_view>
 #include <utility>
 
-#include "config/ConfigException.h"
 #include "orv/Exception.h"
-#include "orv/io/FileInputStream.h"
-#include "orv/io/InputStreamReader.h"
-#include "orv/util/StringTokenizer.h"
-#include "util/NumberFormatException.h"
+#include "orv/Parsing.h"
+#include "orv/io/InputStreams.h"
+#include "orv/io/Readers.h"
 #include "util/Utils.h"
 
 namespace {

@@ -1,13 +1,23 @@
 // Reads the configuration file.
 #pragma once
 
+#include <utility>
+
 #include "config/ConfigData.h"
 #include "messages/MessageHelper.h"
+#include "orv/Collections.h"
+#include "orv/Exception.h"
 #include "orv/Object.h"
 #include "orv/Result.h"
 #include "orv/String.h"
-#include "orv/collections/HashMap.h"
-#include "orv/io/BufferedReader.h"
+#include "orv/io/Readers.h"
+
+// Ends the run: its description, a line of the message bundle, on standard error, exit code 1.
+class ConfigException : public orv::Exception {
+ public:
+  ConfigException() = default;
+  explicit ConfigException(orv::String description) : Exception(std::move(description)) {}
+};
 
 // Lines of key=value: blanks around a line, empty lines, lines that begin with "//" and lines
 // without "=" do not count. A key is its first four characters in any case; the last line of a key

@@ -1,10 +1,25 @@
+// What is known of sessions and of SQL connections.
 #pragma once
 
-#include "engine/ClientIDInfo.h"
-#include "engine/SessionHandleInfo.h"
+#include "orv/Collections.h"
 #include "orv/Object.h"
 #include "orv/String.h"
-#include "orv/collections/List.h"
+
+// What identifies a record-level client. Of it only the task number is shown.
+struct ClientIDInfo : orv::Object {
+  orv::String text;
+  int first = 0;
+  int task = 0;
+};
+
+// One handle of a session. Codes are the engine's.
+struct SessionHandleInfo : orv::Object {
+  short openMode = 0;
+  short recordLockType = 0;
+  short waitState = 0;
+  short transactionState = 0;
+  orv::String fileName;
+};
 
 // One record-level client session. Codes are the engine's; the list of handles is empty when handle
 // detail was not asked for.
@@ -27,4 +42,16 @@ struct SessionInfo : orv::Object {
   orv::String sessionName;
   orv::Reference<ClientIDInfo> clientId;
   orv::Reference<Handles> handles;
+};
+
+// One SQL connection.
+struct ConnInfo : orv::Object {
+  orv::String clientHost;
+  orv::String dataSource;
+  orv::String application;
+  orv::String networkAddress;
+  orv::String userName;
+  short status = 0;    // 0 idle, 1 active, anything else dying
+  long periodMs = 0;   // of the present activity or idleness, milliseconds
+  long totalTime = 0;  // since the connection was made, in the engine's unit
 };

@@ -3,9 +3,7 @@
 #include <cstddef>
 #include <string>
 
-#include "engine/FieldText.h"
-#include "engine/SnapshotRelease.h"
-#include "engine/VXAException.h"
+#include "engine/Snapshots.h"
 #include "util/Utils.h"
 
 namespace {
@@ -16,11 +14,11 @@ constexpr std::size_t kLongestCredential = 255;
 
 orv::Reference<ConnInfo> connectionOf(const TalSqlConnectionInfo& info) {
   auto connection = orv::makeReference<ConnInfo>();
-  connection->clientHost = textOf(info.clientHost);
-  connection->dataSource = textOf(info.dataSource);
-  connection->application = textOf(info.application);
-  connection->networkAddress = textOf(info.networkAddress);
-  connection->userName = textOf(info.userName);
+  connection->clientHost = fieldText(info.clientHost);
+  connection->dataSource = fieldText(info.dataSource);
+  connection->application = fieldText(info.application);
+  connection->networkAddress = fieldText(info.networkAddress);
+  connection->userName = fieldText(info.userName);
   connection->status = static_cast<short>(info.status);
   connection->periodMs = info.periodMs;
   connection->totalTime = info.totalTime;

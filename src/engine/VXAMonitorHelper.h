@@ -1,18 +1,30 @@
-// The program's only user of the engine's monitoring interface.
+// The engine: one connection, its answers and its failures.
 #pragma once
 
 #include <cstdint>
 
-#include "engine/CommStats.h"
-#include "engine/ConnInfo.h"
 #include "engine/FileInfo.h"
 #include "engine/SessionInfo.h"
-#include "engine/UsageStats.h"
+#include "engine/Statistics.h"
 #include "engine/tal.h"
 #include "messages/MessageHelper.h"
+#include "orv/Collections.h"
+#include "orv/Exception.h"
 #include "orv/Object.h"
 #include "orv/String.h"
-#include "orv/collections/List.h"
+
+// The engine answered with a status that is an error. Ends the run: the status and its text on
+// standard error, exit code 1.
+class VXAException : public orv::Exception {
+ public:
+  VXAException(orv::String const& message, int code) : Exception(message), code_(code) {}
+
+  // The engine's status.
+  [[nodiscard]] std::int32_t getErrorCode() const noexcept { return code_; }
+
+ private:
+  std::int32_t code_;
+};
 
 // One connection to an engine, and what can be asked through it: every operation builds fresh
 // records. An engine's error becomes VXAException; the statuses that end or shorten a list do not.

@@ -1,8 +1,7 @@
 #include <string>
 #include <utility>
 
-#include "engine/FieldText.h"
-#include "engine/SnapshotRelease.h"
+#include "engine/Snapshots.h"
 #include "engine/VXAMonitorHelper.h"
 
 orv::Reference<VXAMonitorHelper::Files> VXAMonitorHelper::getActiveFileInfoList(bool withHandles) {
@@ -56,7 +55,7 @@ orv::Reference<FileInfo::Handles> VXAMonitorHelper::getFileHandleInfoList(
     check(status);
     handles->append(orv::makeReference<FileHandleInfo>(
         info.clientIndex, info.recordLockType, info.openMode, info.waitState, info.transactionState,
-        textOf(info.clientName)));
+        fieldText(info.clientName)));
   }
   handles->shrinkToSize();
   return handles;

@@ -1,14 +1,13 @@
 #include <utility>
 
-#include "engine/FieldText.h"
-#include "engine/SnapshotRelease.h"
+#include "engine/Snapshots.h"
 #include "engine/VXAMonitorHelper.h"
 
 namespace {
 
 orv::Reference<ClientIDInfo> identityOf(const tagTALCLIENTID& client) {
   auto identity = orv::makeReference<ClientIDInfo>();
-  identity->text = textOf(client.text);
+  identity->text = fieldText(client.text);
   identity->first = client.first;
   identity->task = client.task;
   return identity;
@@ -17,7 +16,7 @@ orv::Reference<ClientIDInfo> identityOf(const tagTALCLIENTID& client) {
 orv::Reference<SessionInfo> sessionOf(const TalClientInfo& info) {
   auto session = orv::makeReference<SessionInfo>();
   session->site = static_cast<short>(info.site);
-  session->networkAddress = textOf(info.networkAddress);
+  session->networkAddress = fieldText(info.networkAddress);
   session->reserved = static_cast<short>(info.reserved);
   session->recordsDeleted = info.recordsDeleted;
   session->recordsUpdated = info.recordsUpdated;
@@ -29,7 +28,7 @@ orv::Reference<SessionInfo> sessionOf(const TalClientInfo& info) {
   session->transactionState = static_cast<short>(info.transactionState);
   session->processId = info.processId;
   session->connectionNumber = info.connectionNumber;
-  session->sessionName = textOf(info.sessionName);
+  session->sessionName = fieldText(info.sessionName);
   return session;
 }
 
@@ -39,7 +38,7 @@ orv::Reference<SessionHandleInfo> sessionHandleOf(const TalClientHandleInfo& inf
   handle->recordLockType = info.recordLockType;
   handle->waitState = info.waitState;
   handle->transactionState = static_cast<short>(info.transactionState);
-  handle->fileName = textOf(info.fileName);
+  handle->fileName = fieldText(info.fileName);
   return handle;
 }
 

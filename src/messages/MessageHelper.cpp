@@ -7,7 +7,7 @@
 
 #include "messages/CMSGStrings.h"
 #include "orv/Encoding.h"
-#include "orv/Functions.h"
+#include "orv/String.h"
 
 namespace {
 

@@ -11,4 +11,4 @@ constexpr bool isKey(int byte, char upperCase) noexcept {
 }
 
 // A byte as typed on a keyboard; neither 0, nor above 127, nor the end of the input.
-constexpr bool isAscii(int byte) noexcept { return byte >= 1 && byte <= 127; }
+constexpr bool isTyped(int byte) noexcept { return byte >= 1 && byte <= 127; }

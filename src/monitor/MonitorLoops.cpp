@@ -4,10 +4,9 @@
 
 #include "monitor/Keys.h"
 #include "monitor/MonitorProcessor.h"
-#include "orv/Functions.h"
-#include "orv/StopSignals.h"
-#include "orv/io/StdioInputStream.h"
-#include "orv/io/StdioOutputStream.h"
+#include "orv/Process.h"
+#include "orv/io/InputStreams.h"
+#include "orv/io/OutputStreams.h"
 #include "output/ProcessWide.h"
 
 namespace {
@@ -98,7 +97,7 @@ void MonitorProcessor::readKeysManually(orv::io::PrintWriter& writer, const orv:
       writer.print(prompt);
       writer.flush();
     }
-    if (!isAscii(byte)) ++bad;  // never reset, unlike in the keyboard thread (deliberate)
+    if (!isTyped(byte)) ++bad;  // never reset, unlike in the keyboard thread (deliberate)
     if (bad > kToleratedBadBytes) {
       writer.println(messages_->getResStr("ERR_INTERACTIVE_INPUT"));
       return;

@@ -7,10 +7,10 @@
 #include "config/ConfigData.h"
 #include "engine/VXAMonitorHelper.h"
 #include "messages/MessageHelper.h"
+#include "orv/Collections.h"
 #include "orv/Object.h"
 #include "orv/String.h"
-#include "orv/collections/HashMap.h"
-#include "orv/io/PrintWriter.h"
+#include "orv/io/Writers.h"
 #include "output/FormatHelper.h"
 
 // Asks the timed loop, and the manual loop while it waits, to end. Set by the keyboard thread, by a

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "orv/String.h"
+#include "util/Utils.h"
 
 // A label of exactly this width; another one does not compile.
 template <std::size_t kWidth>
@@ -18,4 +19,7 @@ consteval const char* label(const char (&text)[kWidth + 1]) {
 
 // A file name as JSON shows it: with two backslashes for one. Nothing else is escaped
 // (deliberate).
-[[nodiscard]] orv::String withBackslashesDoubled(orv::String name);
+[[nodiscard]] inline orv::String withBackslashesDoubled(orv::String name) {
+  Utils::addBackslashChars(name, '\\');
+  return name;
+}

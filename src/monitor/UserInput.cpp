@@ -5,9 +5,8 @@
 #include "monitor/Keys.h"
 #include "monitor/MonitorProcessor.h"
 #include "orv/Exception.h"
-#include "orv/Functions.h"
-#include "orv/StopSignals.h"
-#include "orv/io/StdioInputStream.h"
+#include "orv/Process.h"
+#include "orv/io/InputStreams.h"
 
 namespace {
 
@@ -33,7 +32,7 @@ class MonitorProcessor::UserInputThreadArgs : public orv::Object {
       const int byte = input.read();
       if (orv::stopSignalCame()) return;
       if (isKey(byte, 'Q')) return stop(exitText_);
-      bad = isAscii(byte) ? 0 : bad + 1;
+      bad = isTyped(byte) ? 0 : bad + 1;
       if (bad > kToleratedBadBytes) return stop(inputErrorText_);
       if (limit_ > 0 && ++count >= limit_) return stop(exitText_);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <iterator>
 
 #include "orv/Encoding.h"
@@ -88,6 +89,19 @@ String operator+(const char* left, const String& right) {
   result.text_.reserve(bytes.size() + right.length() + kSlack);
   result.append(bytes);
   return std::move(result.append(right));
+}
+
+void ORVUnicodeToAnsi(const String& text, char* buffer, std::size_t size) {
+  const std::string bytes = text.toBytes();
+  ORVStrCpyA(buffer, size, bytes.c_str());
+  if (bytes.size() < size) return;
+  buffer[lengthOfWholeCharacters(std::string_view(buffer, std::strlen(buffer)))] = '\0';
+}
+
+void ORVStrCpyA(char* buffer, std::size_t size, const char* text) noexcept {
+  const std::size_t length = strnlen(text, size - 1);
+  std::memcpy(buffer, text, length);
+  buffer[length] = '\0';
 }
 
 }  // namespace orv

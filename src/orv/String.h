@@ -57,4 +57,11 @@ class String {
   std::wstring text_;
 };
 
+// Copies the text's bytes into `buffer`, cut at a character to fit with a closing NUL. `size` is
+// the buffer's, at least 1.
+void ORVUnicodeToAnsi(const String& text, char* buffer, std::size_t size);
+
+// Copies a narrow text, cut to fit with a closing NUL. `size` is the buffer's, at least 1.
+void ORVStrCpyA(char* buffer, std::size_t size, const char* text) noexcept;
+
 }  // namespace orv

@@ -4,9 +4,8 @@
 #include <utility>
 
 #include "orv/Exception.h"
-#include "orv/io/FileOutputStream.h"
-#include "orv/io/StdioOutputStream.h"
-#include "orv/util/FilePath.h"
+#include "orv/Files.h"
+#include "orv/io/OutputStreams.h"
 #include "output/ProcessWide.h"
 #include "util/Utils.h"
 

@@ -4,12 +4,12 @@
 #include <cstdint>
 
 #include "messages/MessageHelper.h"
+#include "orv/Collections.h"
 #include "orv/Object.h"
 #include "orv/Result.h"
 #include "orv/String.h"
-#include "orv/collections/List.h"
-#include "orv/io/OutputStream.h"
-#include "orv/io/PrintWriter.h"
+#include "orv/io/OutputStreams.h"
+#include "orv/io/Writers.h"
 
 // The severity scale. A threshold of kOff lets nothing through.
 enum class Level : std::int32_t {

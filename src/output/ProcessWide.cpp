@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <utility>
 
-#include "orv/io/OutputStreamWriter.h"
-#include "orv/io/StdioOutputStream.h"
+#include "orv/io/OutputStreams.h"
+#include "orv/io/Writers.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 
 #include "messages/MessageHelper.h"
 #include "orv/Object.h"
-#include "orv/io/OutputStream.h"
-#include "orv/io/PrintWriter.h"
+#include "orv/io/OutputStreams.h"
+#include "orv/io/Writers.h"
 
 // Four numbers, such as "15.21.016.000".
 extern const char* const kProgramVersion;

@@ -7,11 +7,9 @@
 #include <string_view>
 #include <utility>
 
-#include "orv/Functions.h"
-#include "orv/Number.h"
-#include "orv/util/FilePath.h"
-#include "orv/util/StringTokenizer.h"
-#include "util/NumberFormatException.h"
+#include "orv/Files.h"
+#include "orv/Parsing.h"
+#include "orv/Process.h"
 
 namespace {
 

@@ -3,10 +3,18 @@
 
 #include <vector>
 
+#include "orv/Collections.h"
+#include "orv/Exception.h"
 #include "orv/Object.h"
 #include "orv/Result.h"
 #include "orv/String.h"
-#include "orv/collections/List.h"
+
+// Thrown by the parsers of Utils, without a description. Who parses decides what the text stands
+// for instead; uncaught, it ends the run as orv::Exception does.
+class NumberFormatException : public orv::Exception {
+ public:
+  using orv::Exception::Exception;
+};
 
 class Utils {
  public:

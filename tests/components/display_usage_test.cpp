@@ -1,4 +1,4 @@
-#include "app/displayUsage.h"
+#include "app/CommandLine.h"
 
 #include "tests/components/component_test.h"
 

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "engine/VXAException.h"
 #include "engine/VXAMonitorHelper.h"
 #include "tests/components/component_test.h"
 

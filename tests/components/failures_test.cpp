@@ -1,4 +1,4 @@
-#include "app/failures.h"
+#include "app/Failures.h"
 
 #include <cstddef>
 

@@ -15,7 +15,7 @@ TEST(Keys, ALetterIsRecognisedInBothCasesAndNothingElseIs) {
 
 TEST(Keys, BytesFrom1To127AreTyped) {
   for (int byte = kEndOfInput; byte <= 255; ++byte) {
-    EXPECT_EQ(isAscii(byte), byte >= 1 && byte <= 127) << byte;
+    EXPECT_EQ(isTyped(byte), byte >= 1 && byte <= 127) << byte;
   }
 }
 

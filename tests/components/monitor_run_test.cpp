@@ -1,7 +1,7 @@
 // A whole run: what it asks of the engine and writes around its sections.
 #include <algorithm>
 
-#include "engine/VXAException.h"
+#include "engine/VXAMonitorHelper.h"
 #include "orv/Exception.h"
 #include "tests/components/engine_test.h"
 #include "tests/components/recorded_sleep.h"

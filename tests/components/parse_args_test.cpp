@@ -1,4 +1,4 @@
-#include "app/parseArgs.h"
+#include "app/CommandLine.h"
 
 #include <string>
 #include <vector>

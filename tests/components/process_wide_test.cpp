@@ -3,7 +3,7 @@
 #include <string>
 
 #include "orv/Exception.h"
-#include "orv/io/FileOutputStream.h"
+#include "orv/io/OutputStreams.h"
 #include "tests/components/component_test.h"
 #include "tests/components/redirected_streams.h"
 

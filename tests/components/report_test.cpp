@@ -1,6 +1,6 @@
 #include "tests/components/report_test.h"
 
-#include "engine/VXAException.h"
+#include "engine/VXAMonitorHelper.h"
 
 namespace component_tests {
 

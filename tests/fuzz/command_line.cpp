@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "app/parseArgs.h"
+#include "app/CommandLine.h"
 #include "output/ProcessWide.h"
 #include "tests/fuzz/lines.h"
 #include "tests/fuzz/target.h"

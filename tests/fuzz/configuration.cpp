@@ -1,7 +1,6 @@
 // The configuration file.
 #include <string>
 
-#include "config/ConfigException.h"
 #include "config/ConfigFileReader.h"
 #include "orv/i18n/StringBundle.h"
 #include "tests/fuzz/target.h"

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "engine/VXAException.h"
+#include "engine/VXAMonitorHelper.h"
 #include "monitor/MonitorProcessor.h"
 #include "orv/i18n/StringBundle.h"
 #include "output/ProcessWide.h"

@@ -3,8 +3,7 @@
 #include <string>
 
 #include "orv/String.h"
-#include "orv/io/BufferedReader.h"
-#include "orv/io/InputStreamReader.h"
+#include "orv/io/Readers.h"
 #include "tests/fuzz/target.h"
 #include "tests/unit/memory_streams.h"
 

@@ -5,7 +5,7 @@
 
 #include "messages/MessageHelper.h"
 #include "orv/Exception.h"
-#include "orv/Functions.h"
+#include "orv/String.h"
 #include "orv/i18n/StringBundle.h"
 #include "tests/fuzz/lines.h"
 #include "tests/fuzz/target.h"

@@ -4,8 +4,7 @@
 
 #include "orv/Encoding.h"
 #include "orv/String.h"
-#include "orv/io/BufferedReader.h"
-#include "orv/io/InputStreamReader.h"
+#include "orv/io/Readers.h"
 #include "tal/text.h"
 #include "tests/fuzz/served.h"
 #include "tests/fuzz/target.h"

@@ -9,7 +9,6 @@
 
 #include "tests/fuzz/lines.h"
 #include "tests/fuzz/target.h"
-#include "util/NumberFormatException.h"
 
 namespace fuzzing {
 namespace {

@@ -5,7 +5,7 @@
 #include <iostream>
 #include <string_view>
 
-#include "orv/Functions.h"
+#include "orv/Process.h"
 #include "tests/limits/simulated_run.h"
 #include "tests/support/process_memory.h"
 

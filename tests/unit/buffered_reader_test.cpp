@@ -1,4 +1,4 @@
-#include "orv/io/BufferedReader.h"
+#include "orv/io/Readers.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "orv/io/FileInputStream.h"
+#include "orv/io/InputStreams.h"
 #include "tests/unit/memory_streams.h"
 #include "tests/unit/printing.h"
 

@@ -2,10 +2,9 @@
 
 #include <atomic>
 
+#include "orv/Collections.h"
 #include "orv/Object.h"
 #include "orv/String.h"
-#include "orv/collections/HashMap.h"
-#include "orv/collections/List.h"
 #include "tests/unit/counted.h"
 #include "tests/unit/printing.h"
 

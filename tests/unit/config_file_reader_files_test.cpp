@@ -8,7 +8,7 @@
 #include <random>
 #include <string>
 
-#include "config/ConfigException.h"
+#include "config/ConfigFileReader.h"
 #include "orv/Exception.h"
 #include "orv/Result.h"
 #include "tests/support/temporary_folder.h"

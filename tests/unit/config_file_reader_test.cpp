@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "config/ConfigException.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/unit/configuration.h"
 #include "tests/unit/printing.h"

@@ -1,4 +1,4 @@
-#include "orv/util/FilePath.h"
+#include "orv/Files.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,6 @@
-#include "orv/Functions.h"
+#include "orv/Files.h"
+#include "orv/Process.h"
+#include "orv/String.h"
 
 #include <gtest/gtest.h>
 #include <pthread.h>

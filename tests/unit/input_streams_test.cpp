@@ -9,9 +9,8 @@
 
 #include "orv/Exception.h"
 #include "orv/io/FileDescriptor.h"
-#include "orv/io/FileInputStream.h"
-#include "orv/io/InputStreamReader.h"
-#include "orv/io/StdioInputStream.h"
+#include "orv/io/InputStreams.h"
+#include "orv/io/Readers.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/unit/memory_streams.h"
 #include "tests/unit/pipe.h"

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "orv/Exception.h"
-#include "orv/io/InputStream.h"
-#include "orv/io/OutputStream.h"
+#include "orv/io/InputStreams.h"
+#include "orv/io/OutputStreams.h"
 
 namespace testing_support {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "orv/Files.h"
 #include "orv/i18n/StringBundle.h"
-#include "orv/util/FilePath.h"
 #include "tests/support/temporary_folder.h"
 
 namespace testing_support {

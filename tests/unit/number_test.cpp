@@ -1,4 +1,4 @@
-#include "orv/Number.h"
+#include "orv/Parsing.h"
 
 #include <gtest/gtest.h>
 

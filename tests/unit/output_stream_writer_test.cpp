@@ -1,4 +1,4 @@
-#include "orv/io/OutputStreamWriter.h"
+#include "orv/io/Writers.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "orv/Exception.h"
-#include "orv/io/PrintWriter.h"
 #include "tests/unit/memory_streams.h"
 
 namespace {

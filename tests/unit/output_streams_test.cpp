@@ -13,8 +13,7 @@
 
 #include "orv/Exception.h"
 #include "orv/io/FileDescriptor.h"
-#include "orv/io/FileOutputStream.h"
-#include "orv/io/StdioOutputStream.h"
+#include "orv/io/OutputStreams.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/unit/pipe.h"
 #include "tests/unit/printing.h"

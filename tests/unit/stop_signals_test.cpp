@@ -1,4 +1,4 @@
-#include "orv/StopSignals.h"
+#include "orv/Process.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <thread>
 
-#include "orv/io/StdioInputStream.h"
+#include "orv/io/InputStreams.h"
 #include "tests/unit/pipe.h"
 
 // Each test runs in a process of its own: signals cannot be given back.

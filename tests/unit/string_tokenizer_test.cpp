@@ -1,4 +1,4 @@
-#include "orv/util/StringTokenizer.h"
+#include "orv/Parsing.h"
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "tests/unit/printing.h"
-#include "util/NumberFormatException.h"
 
 namespace {
 

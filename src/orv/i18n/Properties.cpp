@@ -2,8 +2,8 @@
 #include <utility>
 
 #include "orv/i18n/StringBundle.h"
-#include "orv/io/BufferedReader.h"
-#include "orv/io/FileInputStream.h"
+#include "orv/io/InputStreams.h"
+#include "orv/io/Readers.h"
 
 namespace orv::i18n {
 namespace {

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "orv/Exception.h"
-#include "orv/util/FilePath.h"
+#include "orv/Files.h"
 
 namespace orv::i18n {
 namespace {

@@ -3,9 +3,9 @@
 
 #include <vector>
 
+#include "orv/Collections.h"
 #include "orv/Object.h"
 #include "orv/String.h"
-#include "orv/collections/HashMap.h"
 
 namespace orv::i18n {
 

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "orv/Exception.h"
-#include "orv/io/OutputStream.h"
+#include "orv/io/OutputStreams.h"
 
 namespace orv::io {
 namespace {

@@ -1,0 +1,40 @@
+// Files and folders of the operating system, apart from their contents.
+#pragma once
+
+#include "orv/Result.h"
+#include "orv/String.h"
+
+namespace orv {
+
+struct DirHandle;
+
+// A handle for ORVDirClose, or null if the path cannot be opened as a folder.
+DirHandle* ORVDirOpen(const String& path);
+void ORVDirClose(DirHandle* handle) noexcept;
+
+// Makes one folder with these permissions, less the process's mask. A folder that exists already
+// (another process may have been faster) is no failure. Returns 0 or a result code.
+Result ORVDirCreate(const String& path, unsigned permissions);
+
+// True if a status query on the path succeeds.
+bool ORVPathExists(const String& path);
+
+}  // namespace orv
+
+namespace orv::util {
+
+class FilePath {
+ public:
+  FilePath() = delete;
+
+  static constexpr wchar_t dirDelim = L'/';
+
+  // Ends with the delimiter. Throws ResultException if the folder no longer has a name.
+  static String getCurrentDir();
+
+  // The folder of the running program, without a delimiter at the end. Throws ResultException if
+  // the system does not say where the program is.
+  static String getProgramDir();
+};
+
+}  // namespace orv::util

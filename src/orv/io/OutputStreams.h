@@ -1,0 +1,63 @@
+// Where bytes go.
+#pragma once
+
+#include <string_view>
+
+#include "orv/Object.h"
+#include "orv/String.h"
+#include "orv/io/FileDescriptor.h"
+
+namespace orv::io {
+
+class OutputStream : public Object {
+ public:
+  // Hands all bytes to the system, in one call where the system takes them so. Throws IoException.
+  virtual void write(std::string_view bytes) = 0;
+  // Gives the stream back to the system; a second call does nothing. Throws IoException if the
+  // system tells only now that it could not keep all bytes.
+  virtual void close() = 0;
+};
+
+// What a failed write is called: `target` is the file's path or the stream's name, `reason` the
+// system's own words.
+using WriteErrorText = String (*)(const String& target, const String& reason);
+
+// The text of the IoException that every later failed write throws. Until it is set, a plain
+// English one is used. To be called before a second thread writes.
+void setWriteErrorText(WriteErrorText text) noexcept;
+
+// Creates the file, or opens it: emptied unless `append`. Every write goes to the file's end, also
+// when another program has emptied it meanwhile.
+class FileOutputStream : public OutputStream {
+ public:
+  // Throws ResultException if the file cannot be opened.
+  explicit FileOutputStream(const String& path, bool append = false);
+
+  void write(std::string_view bytes) override;
+  void close() override;
+
+ private:
+  String path_;
+  FileDescriptor file_;
+};
+
+// Standard output, or through getStdErrorStream() standard error. Closing it leaves the process's
+// stream open.
+class StdioOutputStream : public OutputStream {
+ public:
+  StdioOutputStream();
+  static Reference<StdioOutputStream> getStdErrorStream();
+
+  void write(std::string_view bytes) override;
+  void close() override {}
+
+ private:
+  template <class T, class... Arguments>
+  friend Reference<T> orv::makeReference(Arguments&&... arguments);
+  StdioOutputStream(int descriptor, const char* name);
+
+  int descriptor_;
+  String name_;
+};
+
+}  // namespace orv::io

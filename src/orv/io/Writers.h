@@ -1,0 +1,51 @@
+// Text to bytes.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+#include "orv/Object.h"
+#include "orv/String.h"
+#include "orv/io/OutputStreams.h"
+
+namespace orv::io {
+
+// Encodes text in the default encoding into a buffer and hands it to the stream when the buffer is
+// full or flushed. What is buffered when a write fails, or when the writer is destroyed, is lost.
+class OutputStreamWriter : public Object {
+ public:
+  // `bufferSize` in characters, at least 1.
+  OutputStreamWriter(Reference<OutputStream> stream, std::size_t bufferSize);
+
+  // All throw IoException.
+  void write(const String& text);
+  void write(wchar_t character);
+  void flush();
+  void close() { stream_->close(); }
+
+ private:
+  Reference<OutputStream> stream_;
+  std::size_t capacity_;
+  std::size_t used_ = 0;
+  std::unique_ptr<char[]> buffer_;
+};
+
+// Every operation throws IoException when the stream cannot be written. A writer serves one thread.
+class PrintWriter : public Object {
+ public:
+  // With `autoFlush`, println hands its line to the system at once.
+  PrintWriter(Reference<OutputStreamWriter> writer, bool autoFlush)
+      : writer_(std::move(writer)), autoFlush_(autoFlush) {}
+
+  void print(const String& text) { writer_->write(text); }
+  void println(const String& text = {});
+  void flush() { writer_->flush(); }
+  void close() { writer_->close(); }
+
+ private:
+  Reference<OutputStreamWriter> writer_;
+  bool autoFlush_;
+};
+
+}  // namespace orv::io
