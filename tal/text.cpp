@@ -26,9 +26,34 @@ bool mayFollow(unsigned char lead, unsigned char second) noexcept {
   return true;
 }
 
-bool isControl(std::string_view character) noexcept {
-  if (character.size() == 1) return tal::isControl(character.front());
-  return character.size() == 2 && byteAt(character, 0) == 0xc2 && byteAt(character, 1) < 0xa0;
+// The code point of a character of more than one byte; a byte by itself stands for itself.
+char32_t codePointOf(std::string_view character) noexcept {
+  if (character.size() == 1) return byteAt(character, 0);
+  char32_t point = byteAt(character, 0) & (0x7fU >> character.size());
+  for (std::size_t at = 1; at < character.size(); ++at) {
+    point = (point << 6) | (byteAt(character, at) & 0x3fU);
+  }
+  return point;
+}
+
+struct Range {
+  char32_t first;
+  char32_t last;
+};
+
+constexpr Range kReplaced[] = {
+    {0x0000, 0x001f},
+    {0x007f, 0x009f},
+    {0x200b, 0x200b},
+    {0x2028, 0x202e},
+    {0x2066, 0x2069},
+    {0xfeff, 0xfeff},
+};
+
+bool isReplaced(std::string_view character) noexcept {
+  const char32_t point = codePointOf(character);
+  return std::ranges::any_of(
+      kReplaced, [&](const Range& range) { return range.first <= point && point <= range.last; });
 }
 
 // `out` may be where `text` begins: what is written never overtakes what is read.
@@ -36,10 +61,10 @@ std::size_t write(char* out, std::size_t limit, std::string_view text) noexcept 
   std::size_t length = 0;
   while (!text.empty()) {
     const std::string_view character = text.substr(0, characterLength(text));
-    const bool control = isControl(character);
-    const std::size_t width = control ? 1 : character.size();
+    const bool replaced = isReplaced(character);
+    const std::size_t width = replaced ? 1 : character.size();
     if (length + width > limit) break;
-    if (control) {
+    if (replaced) {
       out[length] = '?';
     } else {
       std::copy(character.begin(), character.end(), out + length);
