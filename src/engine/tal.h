@@ -8,6 +8,9 @@
  * The layout is fixed. Natural alignment with named gaps gives every offset; the asserts at the
  * end hold each row. A caller clears a structure before each call. Texts are narrow, closed by a
  * NUL or by the end of their field. Integers are little-endian, as on the host.
+ *
+ * Different connections may be used by different threads at the same time, one connection by one
+ * thread at a time. TalStart and TalStop come first and last.
  */
 #ifndef ZELK_ENGINE_TAL_H
 #define ZELK_ENGINE_TAL_H

@@ -1,9 +1,13 @@
-// What callers hand in.
+// What stands between C callers and this library: what they hand in is checked, and no exception
+// leaves.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <new>
 #include <string_view>
+#include <vector>
 
 #include "engine/tal.h"
 #include "tal/failure.h"
@@ -13,6 +17,23 @@ namespace tal::interface {
 
 // Longest server name, user and password, in bytes.
 inline constexpr std::size_t kCredentialLimit = 255;
+
+constexpr std::int16_t code(Status status) noexcept { return static_cast<std::int16_t>(status); }
+
+// Runs `action` and returns what became of it as a status of the interface. Nothing is thrown.
+template <typename Action>
+std::int16_t guarded(const Action& action) noexcept {
+  try {
+    action();
+    return code(Status::kSuccess);
+  } catch (const Failure& failure) {
+    return code(failure.status());
+  } catch (const std::bad_alloc&) {
+    return code(Status::kOutOfMemory);
+  } catch (...) {
+    return code(Status::kInternalError);
+  }
+}
 
 // What `pointer` points to. Throws Failure kBadArgument for a null pointer.
 template <typename Value>
@@ -28,9 +49,17 @@ inline std::string_view credential(const char* text) {
   return {text, length};
 }
 
-// A file name, of which never more is read than a name can have.
+// A file name, of which no more is read than a name can have.
 inline std::string_view fileName(const char* text) {
   return {text, strnlen(&required(text), TAL_NAME_SIZE)};
+}
+
+// The entry at `index`, counted from 0. Beyond the last one it throws Failure kNoEntry, which ends
+// a list.
+template <typename Entry>
+const Entry& entryAt(const std::vector<Entry>& list, std::uint32_t index) {
+  if (index >= list.size()) throw Failure(Status::kNoEntry);
+  return list[index];
 }
 
 }  // namespace tal::interface

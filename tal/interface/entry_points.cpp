@@ -1,12 +1,11 @@
-// The 23 functions of the interface, each one statement. They are to be called by one thread at a
-// time, over all connections.
+// The 23 functions of the interface, each one statement. Different connections may be used by
+// different threads at the same time, one connection by one thread at a time; TalStart and TalStop
+// come first and last.
 #include <cstdint>
 #include <string>
 
 #include "engine/tal.h"
-#include "tal/interface/arguments.h"
-#include "tal/interface/entry_at.h"
-#include "tal/interface/guarded.h"
+#include "tal/interface/boundary.h"
 #include "tal/interface/layout.h"
 #include "tal/interface/library.h"
 #include "tal/text.h"
@@ -23,13 +22,13 @@ using tal::interface::ServedEngine;
 
 namespace {
 
-// Fills `out` with what `ask` gets from the connection. Nothing is asked when `out` is null.
+// Fills `out` with what `ask` gets from the engine. Nothing is asked when `out` is null.
 template <typename Out, typename Ask>
 std::int16_t answered(std::int32_t handle, Call call, Out* out, const Ask& ask) {
   return guarded([&] {
-    ServedEngine& connection = library().serving(handle, call);
+    ServedEngine& engine = library().serving(handle, call);
     Out& place = required(out);
-    fill(place, ask(connection));
+    fill(place, ask(engine));
   });
 }
 
@@ -60,10 +59,10 @@ void putName(ServedEngine& from, std::uint32_t index, std::uint32_t* size, char*
 }
 
 void connect(const char* server, const char* user, const char* password, std::int32_t* handle) {
-  tal::interface::Library& started = library().requireStarted();
+  library().requireStarted();
   std::int32_t& place = required(handle);
-  place = started.connect(credential(server),
-                          {std::string(credential(user)), std::string(credential(password))});
+  place = library().connect(credential(server),
+                            {std::string(credential(user)), std::string(credential(password))});
 }
 
 }  // namespace

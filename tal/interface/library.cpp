@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "tal/connect.h"
+
 namespace tal::interface {
 namespace {
 
@@ -11,11 +13,27 @@ void throwUnlessSuccess(Status status) {
 
 }  // namespace
 
+void Library::requireStarted() const {
+  const std::lock_guard lock(mutex_);
+  if (!started_) throw Failure(Status::kNotStarted);
+}
+
+void Library::start() {
+  const std::lock_guard lock(mutex_);
+  started_ = true;
+}
+
 void Library::stop() {
   requireStarted();
-  for (const auto& [handle, connection] : connections_) noteStopStatus(*connection);
-  connections_.clear();
-  started_ = false;
+  Engines closing;
+  {
+    const std::lock_guard lock(mutex_);
+    started_ = false;
+    closing.swap(engines_);
+  }
+  for (const auto& [handle, engine] : closing) noteStopStatus(*engine);
+  closing.clear();
+  const std::lock_guard lock(mutex_);
   throwUnlessSuccess(std::exchange(stopStatus_, Status::kSuccess));
 }
 
@@ -26,43 +44,54 @@ std::int32_t Library::connect(std::string_view server, const Credentials& creden
 
 std::int32_t Library::adopt(std::unique_ptr<Engine> engine) {
   requireStarted();
-  auto connection = std::make_unique<ServedEngine>(std::move(engine));
-  connection->admit(Call::kConnectServer);
+  auto served = std::make_unique<ServedEngine>(std::move(engine));
+  served->admit(Call::kConnectServer);
+  const std::lock_guard lock(mutex_);
   const std::int32_t handle = ++lastHandle_;
-  connections_.emplace(handle, std::move(connection));
+  engines_.emplace(handle, std::move(served));
   return handle;
 }
 
 void Library::disconnect(std::int32_t handle) {
   requireStarted();
-  const auto closing = connections_.extract(handle);
+  Engines::node_type closing;
+  {
+    const std::lock_guard lock(mutex_);
+    closing = engines_.extract(handle);
+  }
   if (closing.empty()) {
     if (handle == kLocalHandle) return;
     throw Failure(Status::kUnknownHandle);
   }
-  ServedEngine& connection = *closing.mapped();
-  noteStopStatus(connection);
-  connection.admit(Call::kDisconnect);
+  ServedEngine& engine = *closing.mapped();
+  noteStopStatus(engine);
+  engine.admit(Call::kDisconnect);
 }
 
 ServedEngine& Library::serving(std::int32_t handle, Call call) {
-  requireStarted();
-  auto found = connections_.find(handle);
-  if (found == connections_.end()) {
+  ServedEngine* engine = find(handle);
+  if (engine == nullptr) {
     if (handle != kLocalHandle) throw Failure(Status::kUnknownHandle);
-    auto connection = std::make_unique<ServedEngine>(openLocalEngine());
-    found = connections_.emplace(kLocalHandle, std::move(connection)).first;
+    engine = &add(handle, std::make_unique<ServedEngine>(openLocalEngine()));
   }
-  return found->second->admit(call);
+  return engine->admit(call);
 }
 
-Library& Library::requireStarted() {
+ServedEngine* Library::find(std::int32_t handle) const {
+  const std::lock_guard lock(mutex_);
   if (!started_) throw Failure(Status::kNotStarted);
-  return *this;
+  const auto found = engines_.find(handle);
+  return found == engines_.end() ? nullptr : found->second.get();
+}
+
+ServedEngine& Library::add(std::int32_t handle, std::unique_ptr<ServedEngine> engine) {
+  const std::lock_guard lock(mutex_);
+  return *engines_.emplace(handle, std::move(engine)).first->second;
 }
 
 void Library::noteStopStatus(ServedEngine& closing) {
   const Status status = closing.engine().answerInstead(Call::kStop);
+  const std::lock_guard lock(mutex_);
   if (stopStatus_ == Status::kSuccess) stopStatus_ = status;
 }
 

@@ -6,7 +6,7 @@ namespace tal::interface {
 namespace {
 
 template <typename Snapshot>
-const Snapshot& present(const std::optional<Snapshot>& snapshot) {
+Snapshot& present(std::optional<Snapshot>& snapshot) {
   if (!snapshot) throw Failure(Status::kNoSnapshot);
   return *snapshot;
 }
@@ -38,11 +38,11 @@ std::size_t ServedEngine::takeSqlConnections() {
   return sqlConnections_.emplace(engine_->sqlConnections()).size();
 }
 
-const FileSnapshot& ServedEngine::files() const { return present(files_); }
+FileSnapshot& ServedEngine::files() { return present(files_); }
 
-const ClientSnapshot& ServedEngine::clients() const { return present(clients_); }
+ClientSnapshot& ServedEngine::clients() { return present(clients_); }
 
-const std::vector<SqlConnection>& ServedEngine::sqlConnections() const {
+const std::vector<SqlConnection>& ServedEngine::sqlConnections() {
   return present(sqlConnections_);
 }
 

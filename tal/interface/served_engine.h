@@ -1,4 +1,4 @@
-// One open connection as the interface sees it.
+// One open engine as the interface serves it.
 #pragma once
 
 #include <cstddef>
@@ -8,8 +8,7 @@
 
 #include "engine/tal.h"
 #include "tal/engine.h"
-#include "tal/interface/client_snapshot.h"
-#include "tal/interface/file_snapshot.h"
+#include "tal/interface/snapshots.h"
 
 namespace tal::interface {
 
@@ -19,7 +18,7 @@ class ServedEngine {
  public:
   explicit ServedEngine(std::unique_ptr<Engine> engine) noexcept;
 
-  // To be asked before a call is served. Throws Failure when the engine wants another status
+  // Comes before each call that is served. Throws Failure when the engine wants another status
   // returned. A list that is about to be taken anew is forgotten here, so that no failure leaves
   // an old one behind.
   ServedEngine& admit(Call call);
@@ -32,9 +31,9 @@ class ServedEngine {
   [[nodiscard]] std::size_t takeSqlConnections();
 
   // Throw Failure kNoSnapshot when there is none.
-  [[nodiscard]] const FileSnapshot& files() const;
-  [[nodiscard]] const ClientSnapshot& clients() const;
-  [[nodiscard]] const std::vector<SqlConnection>& sqlConnections() const;
+  [[nodiscard]] FileSnapshot& files();
+  [[nodiscard]] ClientSnapshot& clients();
+  [[nodiscard]] const std::vector<SqlConnection>& sqlConnections();
   void releaseFiles();
   void releaseClients();
   void releaseSqlConnections();

@@ -1,12 +1,13 @@
 #include "tests/fuzz/served.h"
 
 #include <cstdint>
+#include <string>
 #include <utility>
 
 #include "engine/tal.h"
-#include "tal/interface/client_snapshot.h"
-#include "tal/interface/file_snapshot.h"
 #include "tal/interface/layout.h"
+#include "tal/interface/snapshots.h"
+#include "tal/text.h"
 #include "tests/fuzz/target.h"
 
 namespace fuzzing {
@@ -51,17 +52,17 @@ void serveClient(const tal::Client& client) {
 }  // namespace
 
 void requireClean(std::string_view field) {
-  for (std::size_t at = 0; at < field.size(); ++at) {
-    const auto byte = static_cast<unsigned char>(field[at]);
-    require(byte >= 0x20 && byte != 0x7f, "no control character is served");
-    const bool isPair = byte == 0xc2 && at + 1 < field.size();
-    const auto second = static_cast<unsigned char>(isPair ? field[at + 1] : '\xff');
-    require(second < 0x80 || second > 0x9f, "no control character of two bytes is served");
+  std::string cleaned(field);
+  tal::fitText(cleaned, field.size());
+  require(cleaned == field, "what is served is clean");
+  for (const char byte : field) {
+    require(static_cast<unsigned char>(byte) >= 0x20 && byte != 0x7f,
+            "no control character is served");
   }
 }
 
 void serve(std::vector<tal::OpenFile> files) {
-  const tal::interface::FileSnapshot snapshot(std::move(files));
+  tal::interface::FileSnapshot snapshot(std::move(files));
   for (std::uint32_t index = 0; index < snapshot.count(); ++index) {
     const tal::OpenFile& file = snapshot.at(index);
     require(&snapshot.find(file.name) == &file, "a file is found by its name");
@@ -70,7 +71,7 @@ void serve(std::vector<tal::OpenFile> files) {
 }
 
 void serve(std::vector<tal::Client> clients) {
-  const tal::interface::ClientSnapshot snapshot(std::move(clients));
+  tal::interface::ClientSnapshot snapshot(std::move(clients));
   for (std::uint32_t index = 0; index < snapshot.count(); ++index) {
     const tal::Client& client = snapshot.at(index);
     tagTALCLIENTID id;

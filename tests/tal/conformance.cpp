@@ -1,10 +1,13 @@
 #include "tests/tal/conformance.h"
 
+#include <atomic>
 #include <set>
+#include <thread>
 
 namespace tal::test {
 namespace {
 
+constexpr int kThreads = 24;
 const char* kNameOfNoFile = "no engine lists a file of this name";
 // Identifier text that fills its field without a NUL: nothing that an engine hands out.
 const tagTALCLIENTID kNoClient{
@@ -193,6 +196,25 @@ TEST_P(Conformance, ServesTwoConnectionsAtOnce) {
 
   EXPECT_EQ(TalGetZorbVersion(first, &version), code(Status::kUnknownHandle));
   EXPECT_EQ(TalGetZorbVersion(second, &version), 0);
+}
+
+TEST_P(Conformance, ServesThreadsWithConnectionsOfTheirOwn) {
+  const Target target = GetParam().target();
+  std::atomic<int> served = 0;
+
+  std::vector<std::jthread> threads(kThreads);
+  for (std::jthread& thread : threads) {
+    thread = std::jthread([&] {
+      const std::int32_t handle = connected(target);
+      listFiles(handle);
+      listClients(handle);
+      listSqlConnections(handle);
+      if (TalDisconnect(handle) == 0) ++served;
+    });
+  }
+  threads.clear();
+
+  EXPECT_EQ(served, kThreads);
 }
 
 TEST_P(Conformance, DisconnectsOnce) {

@@ -7,7 +7,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "tal/interface/guarded.h"
+#include "tal/interface/boundary.h"
 
 namespace tal::interface {
 namespace {
@@ -79,15 +79,15 @@ TEST(Guarded, TurnsExceptionsIntoStatuses) {
 
 TEST_F(LibraryTest, KeepsASnapshotWhileTheEngineMovesOn) {
   script_.names = {"a", "b"};
-  ServedEngine& connection = library_.serving(adopt(), Call::kGetOpenFilesData);
-  ASSERT_EQ(connection.takeFiles(), 2U);
+  ServedEngine& served = library_.serving(adopt(), Call::kGetOpenFilesData);
+  ASSERT_EQ(served.takeFiles(), 2U);
 
   script_.names = {"c"};
 
-  EXPECT_EQ(connection.files().count(), 2U);
-  EXPECT_EQ(connection.files().at(0).name, "a");
-  EXPECT_EQ(connection.takeFiles(), 1U);
-  EXPECT_EQ(connection.files().at(0).name, "c");
+  EXPECT_EQ(served.files().count(), 2U);
+  EXPECT_EQ(served.files().at(0).name, "a");
+  EXPECT_EQ(served.takeFiles(), 1U);
+  EXPECT_EQ(served.files().at(0).name, "c");
 }
 
 TEST_F(LibraryTest, HasNoSnapshotAfterAnEngineFailure) {

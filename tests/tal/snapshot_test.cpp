@@ -4,8 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tal/interface/client_snapshot.h"
-#include "tal/interface/file_snapshot.h"
+#include "tal/interface/snapshots.h"
 
 namespace tal::interface {
 namespace {
@@ -20,11 +19,14 @@ std::vector<OpenFile> filesNamed(const std::vector<std::string>& names) {
 }
 
 std::vector<std::string> finalNames(const std::vector<std::string>& names) {
-  const FileSnapshot snapshot(filesNamed(names));
+  FileSnapshot snapshot(filesNamed(names));
   std::vector<std::string> result;
   for (std::uint32_t at = 0; at < snapshot.count(); ++at) {
     result.push_back(snapshot.at(at).name);
     EXPECT_EQ(snapshot.find(result.back()).pageSize, at) << result.back();
+  }
+  for (std::uint32_t at = 0; at < snapshot.count(); ++at) {
+    EXPECT_EQ(snapshot.find(result[at]).pageSize, at) << result[at];
   }
   return result;
 }
@@ -71,10 +73,12 @@ TEST(FileSnapshot, SharesNumbersAmongNamesWithOneBeginning) {
 }
 
 TEST(FileSnapshot, RefusesWhatItDoesNotHold) {
-  const FileSnapshot snapshot(filesNamed({"a"}));
+  FileSnapshot snapshot(filesNamed({"a"}));
 
   EXPECT_THROW(static_cast<void>(snapshot.at(1)), Failure);
   EXPECT_THROW(static_cast<void>(snapshot.find("")), Failure);
+  FileSnapshot empty({});
+  EXPECT_THROW(static_cast<void>(empty.find("")), Failure);
 }
 
 Client clientWith(const std::string& id, std::uint16_t first, std::uint16_t task,
@@ -96,18 +100,23 @@ tagTALCLIENTID idOf(const Client& client) {
 }
 
 TEST(ClientSnapshot, TellsClientsApartByAllPartsOfTheirIdentifier) {
-  const ClientSnapshot snapshot({clientWith("a", 1, 1, 0), clientWith("a", 1, 2, 1),
-                                 clientWith("a", 2, 1, 2), clientWith("b", 1, 1, 3)});
+  ClientSnapshot snapshot({clientWith("a", 1, 1, 0), clientWith("a", 1, 2, 1),
+                           clientWith("a", 2, 1, 2), clientWith("b", 1, 1, 3)});
 
+  std::vector<tagTALCLIENTID> ids;
   for (std::uint32_t at = 0; at < snapshot.count(); ++at) {
-    EXPECT_EQ(snapshot.find(idOf(snapshot.at(at))).processId, at);
+    ids.push_back(idOf(snapshot.at(at)));
+    EXPECT_EQ(snapshot.find(ids.back()).processId, at);
+  }
+  for (std::uint32_t at = 0; at < snapshot.count(); ++at) {
+    EXPECT_EQ(snapshot.find(ids[at]).processId, at);
   }
   EXPECT_EQ(snapshot.at(2).firstNumber, 2);
 }
 
 TEST(ClientSnapshot, GivesAnotherFirstNumberToAClientThatOccursAgain) {
-  const ClientSnapshot snapshot({clientWith("a", 1, 7, 0), clientWith("a", 1, 7, 1),
-                                 clientWith("a", 2, 7, 2), clientWith("a", 1, 8, 3)});
+  ClientSnapshot snapshot({clientWith("a", 1, 7, 0), clientWith("a", 1, 7, 1),
+                           clientWith("a", 2, 7, 2), clientWith("a", 1, 8, 3)});
 
   for (std::uint32_t at = 0; at < snapshot.count(); ++at) {
     EXPECT_EQ(snapshot.find(idOf(snapshot.at(at))).processId, at);
@@ -116,8 +125,8 @@ TEST(ClientSnapshot, GivesAnotherFirstNumberToAClientThatOccursAgain) {
 }
 
 TEST(ClientSnapshot, CutsAndCleansIdentifiers) {
-  const ClientSnapshot snapshot({clientWith("1234567890ab", 0, 0, 0),
-                                 clientWith("1234567890ac", 0, 0, 1), clientWith("\x1b", 0, 0, 2)});
+  ClientSnapshot snapshot({clientWith("1234567890ab", 0, 0, 0), clientWith("1234567890ac", 0, 0, 1),
+                           clientWith("\x1b", 0, 0, 2)});
 
   EXPECT_EQ(snapshot.at(0).id, "1234567890a");
   EXPECT_EQ(snapshot.at(1).id, "1234567890a");
@@ -126,14 +135,14 @@ TEST(ClientSnapshot, CutsAndCleansIdentifiers) {
 }
 
 TEST(ClientSnapshot, SurvivesMoreClientsOfOneIdentifierThanThereAreNumbers) {
-  const ClientSnapshot snapshot(std::vector<Client>(70'000, clientWith("a", 0, 0, 0)));
+  ClientSnapshot snapshot(std::vector<Client>(70'000, clientWith("a", 0, 0, 0)));
 
   EXPECT_EQ(snapshot.count(), 70'000U);
   EXPECT_EQ(snapshot.find(idOf(snapshot.at(69'999))).id, "a");
 }
 
 TEST(ClientSnapshot, IgnoresBytesBehindTheTextOfAnIdentifier) {
-  const ClientSnapshot snapshot({clientWith("a", 1, 2, 5)});
+  ClientSnapshot snapshot({clientWith("a", 1, 2, 5)});
   tagTALCLIENTID id{
       {'a', '\0', 'r', 'e', 's', 't'},
       1, 2
