@@ -6,16 +6,18 @@
 #include "tal/mariadb/connection.h"
 #include "tal/mariadb/location.h"
 #include "tal/mariadb/mariadb.h"
-#include "tests/mariadb/loopback.h"
 #include "tests/mariadb/server_test.h"
-#include "tests/mariadb/wait_until.h"
 #include "tests/support/frozen.h"
+#include "tests/support/loopback.h"
+#include "tests/support/wait_until.h"
 
 namespace mariadb_testing {
 namespace {
 
 using tal::Status;
 using testing_support::Frozen;
+using testing_support::SilentListener;
+using testing_support::waitUntil;
 
 using FaultsTest = PlainServerTest;
 

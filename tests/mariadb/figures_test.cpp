@@ -4,10 +4,12 @@
 #include <algorithm>
 
 #include "tests/mariadb/server_test.h"
-#include "tests/mariadb/wait_until.h"
+#include "tests/support/wait_until.h"
 
 namespace mariadb_testing {
 namespace {
+
+using testing_support::waitUntil;
 
 class FiguresTest : public InstrumentedServerTest {
  protected:

@@ -4,16 +4,19 @@
 #include <optional>
 
 #include "tal/sql/system_user.h"
-#include "tests/mariadb/loopback.h"
 #include "tests/mariadb/server_test.h"
 #include "tests/sql/fake_host.h"
 #include "tests/support/frozen.h"
+#include "tests/support/loopback.h"
 #include "tests/support/temporary_folder.h"
 
 namespace mariadb_testing {
 namespace {
 
 using tal::Status;
+using testing_support::ForeignListener;
+using testing_support::ReservedPort;
+using testing_support::SilentListener;
 
 // A home folder of the test's own, so that the user's option file is the test's as well.
 class LoginTest : public PlainServerTest {
@@ -83,7 +86,9 @@ TEST_F(LoginTest, NoFreeConnection) {
 }
 
 TEST_F(LoginTest, NobodyThere) {
-  EXPECT_EQ(statusOfLogin("127.0.0.1:" + std::to_string(freePort()), "zelk"), Status::kCannotReach);
+  const ReservedPort closed;
+  EXPECT_EQ(statusOfLogin("127.0.0.1:" + std::to_string(closed.number()), "zelk"),
+            Status::kCannotReach);
   EXPECT_EQ(statusOfLogin("/nonexistent/mysqld.sock", "zelk"), Status::kCannotReach);
   EXPECT_EQ(statusOfLogin("no-such-host.invalid", "zelk"), Status::kCannotReach);
 }

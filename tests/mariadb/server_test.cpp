@@ -4,11 +4,12 @@
 
 #include "tal/failure.h"
 #include "tal/mariadb/mariadb.h"
-#include "tests/mariadb/wait_until.h"
+#include "tests/support/wait_until.h"
 
 namespace mariadb_testing {
 namespace {
 
+using testing_support::waitUntil;
 using Encryption = PrivateServer::Encryption;
 
 std::unique_ptr<PrivateServer> preparedServer(Encryption encryption,
@@ -88,6 +89,7 @@ void ServerTest::SetUp() {
 }
 
 void ServerTest::clear() {
+  server_.requireRunning();
   const std::string others =
       "SELECT id FROM information_schema.processlist"
       " WHERE id <> CONNECTION_ID() AND command <> 'Daemon'";
@@ -166,7 +168,7 @@ void ServerTest::expectClientHandles(const std::string& table, const std::string
 void ServerTest::expectInTheEnd(const std::function<std::string()>& answer,
                                 const std::string& expected) {
   std::string last;
-  waitUntil([&] { return (last = answer()) == expected; }, kPictureAge);
+  EXPECT_TRUE(waitUntil([&] { return (last = answer()) == expected; }, kPictureAge));
   EXPECT_EQ(last, expected);
 }
 

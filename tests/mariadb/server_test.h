@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -16,6 +17,9 @@
 #include "tests/mariadb/session.h"
 
 namespace mariadb_testing {
+
+// The server renews its picture of transactions only when nobody has read it for this long.
+inline constexpr std::chrono::milliseconds kPictureAge{110};
 
 // The two servers of a test binary; each runs from the first call to the end of all tests. Both
 // have these accounts for 127.0.0.1 with the password "secret":

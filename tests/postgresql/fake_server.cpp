@@ -129,25 +129,10 @@ bool readBatch(int client, int stop) {
   return true;
 }
 
-FileDescriptor listenOnLoopback(std::uint16_t& port) {
-  FileDescriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  auto* const generic = reinterpret_cast<sockaddr*>(&address);
-  if (::bind(socket.number(), generic, size) != 0 || ::listen(socket.number(), 8) != 0 ||
-      ::getsockname(socket.number(), generic, &size) != 0) {
-    throw std::runtime_error("cannot listen");
-  }
-  port = ntohs(address.sin_port);
-  return socket;
-}
-
 }  // namespace
 
 FakeServer::FakeServer(std::vector<std::string> script, AtEnd atEnd)
-    : script_(std::move(script)), atEnd_(atEnd), listener_(listenOnLoopback(port_)) {
+    : script_(std::move(script)), atEnd_(atEnd) {
   int ends[2] = {-1, -1};
   if (::pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
   stopReading_ = FileDescriptor(ends[0]);
@@ -161,8 +146,8 @@ FakeServer::~FakeServer() {
 }
 
 void FakeServer::serve() {
-  while (waitForInput(listener_.number(), stopReading_.number())) {
-    const FileDescriptor client(::accept4(listener_.number(), nullptr, nullptr, SOCK_CLOEXEC));
+  while (waitForInput(listener_.socket(), stopReading_.number())) {
+    const FileDescriptor client(::accept4(listener_.socket(), nullptr, nullptr, SOCK_CLOEXEC));
     play(client.number());
   }
 }

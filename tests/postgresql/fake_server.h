@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tests/support/file_descriptor.h"
+#include "tests/support/loopback.h"
 
 namespace testing_support {
 
@@ -20,9 +21,8 @@ std::string ready();
 std::string welcome(const std::string& version);
 // Answers to the preparing of a statement and to its execution with rows of texts.
 std::string prepared();
-std::string rows(
-    const std::vector<std::vector<std::string>>&
-        rows);  // Such an answer to an execution begins to copy rows to (H) or from (G) the client.
+std::string rows(const std::vector<std::vector<std::string>>& rows);
+// Such an answer to an execution begins to copy rows to (H) or from (G) the client.
 std::string copy(char type);
 }  // namespace protocol
 
@@ -38,7 +38,7 @@ class FakeServer {
   FakeServer& operator=(const FakeServer&) = delete;
   ~FakeServer();
 
-  [[nodiscard]] std::uint16_t port() const { return port_; }
+  [[nodiscard]] std::uint16_t port() const { return listener_.port(); }
 
  private:
   void serve();
@@ -46,8 +46,7 @@ class FakeServer {
 
   std::vector<std::string> script_;
   AtEnd atEnd_;
-  std::uint16_t port_ = 0;  // before listener_, which sets it
-  FileDescriptor listener_;
+  SilentListener listener_;
   FileDescriptor stopReading_;
   FileDescriptor stopWriting_;
   std::thread thread_;

@@ -7,6 +7,7 @@
 
 #include "tal/postgresql/postgresql.h"
 #include "tests/postgresql/server_test.h"
+#include "tests/support/wait_until.h"
 
 namespace testing_support {
 namespace {
@@ -79,7 +80,7 @@ TEST_F(FiguresTest, PeaksStay) {
     engine_->usage();
     engine_->communication();
   }
-  waitUntil([this] { return engine_->sqlConnections().size() == 2; });
+  ASSERT_TRUE(waitUntil([this] { return engine_->sqlConnections().size() == 2; }));
 
   const tal::Usage usage = engine_->usage();
   const tal::Communication communication = engine_->communication();
@@ -161,7 +162,8 @@ TEST_F(FiguresTest, SqlConnectionFields) {
   Session first = session("first");
   first.run("SELECT pg_sleep(1.1)");
   first.start("SELECT pg_sleep(30)");
-  waitUntil([&] { return connectionOf("first").status == tal::connection_status::kActive; });
+  ASSERT_TRUE(
+      waitUntil([&] { return connectionOf("first").status == tal::connection_status::kActive; }));
 
   const tal::SqlConnection connection = connectionOf("first");
 

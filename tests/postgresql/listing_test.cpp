@@ -2,6 +2,7 @@
 #include <string>
 
 #include "tests/postgresql/situation_test.h"
+#include "tests/support/wait_until.h"
 
 namespace testing_support {
 namespace {
@@ -54,14 +55,14 @@ TEST_F(ListingTest, ParallelWorkersAreFoldedIntoTheirLeader) {
       "INSERT INTO t SELECT n, repeat('x', 500) FROM generate_series(1000, 20000) n");
 
   first.start("SELECT count(pg_sleep(30)) FROM t");
-  waitUntil([this] {
+  ASSERT_TRUE(waitUntil([this] {
     return admin_.value(
                "SELECT count(*) FROM pg_stat_activity"
                " WHERE backend_type = 'parallel worker'") == "2";
-  });
-  waitUntil([this] {
+  }));
+  ASSERT_TRUE(waitUntil([this] {
     return admin_.value("SELECT count(*) FROM pg_locks WHERE relation = 't'::regclass") == "3";
-  });
+  }));
 
   EXPECT_EQ(observe(first),
             "t 254/78/0/1019, t_note 254/78/0/1019, t_pkey 254/78/0/1019; 1019, 8 locks; active");
@@ -105,14 +106,14 @@ TEST_F(ListingTest, AutovacuumWorker) {
   std::string observed;
   std::uint32_t process = 0;
 
-  waitUntil([&] {
+  ASSERT_TRUE(waitUntil([&] {
     for (const tal::OpenFile& file : engine_->openFiles()) {
       if (file.name != "app.public.t" || file.handles.empty()) continue;
       observed = file.handles.front().clientName + ' ' + describe(file.handles.front());
       process = file.handles.front().clientIndex;
     }
     return !observed.empty();
-  });
+  }));
 
   EXPECT_EQ(observed, "autovacuum worker 0/78/0/1019");
   int sites = 0;

@@ -1,13 +1,10 @@
 #include "tests/postgresql/server_test.h"
 
-#include <chrono>
 #include <optional>
-#include <stdexcept>
-#include <thread>
 
 #include "tal/failure.h"
 #include "tal/postgresql/postgresql.h"
-#include "tests/support/process.h"
+#include "tests/support/wait_until.h"
 
 namespace testing_support {
 namespace {
@@ -63,14 +60,6 @@ tal::Status statusOf(const std::function<void()>& action) {
   }
 }
 
-void waitUntil(const std::function<bool()>& condition) {
-  const auto end = std::chrono::steady_clock::now() + kDeadline;
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > end) throw std::runtime_error("waited in vain");
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-}
-
 void ServerTest::SetUp() {
   admin_.run(
       "DROP SCHEMA public CASCADE;"
@@ -82,12 +71,14 @@ void ServerTest::SetUp() {
 }
 
 void ServerTest::TearDown() {
-  waitUntil([this] {
+  server_.requireRunning();
+  const bool alone = waitUntil([this] {
     return admin_.value(
                "SELECT count(pg_terminate_backend(pid)) FROM pg_stat_activity"
                " WHERE backend_type IN ('client backend', 'parallel worker',"
                " 'autovacuum worker') AND pid <> pg_backend_pid()") == "0";
   });
+  ASSERT_TRUE(alone);
 }
 
 Session ServerTest::session(const std::string& name, const std::string& database) {
@@ -95,10 +86,11 @@ Session ServerTest::session(const std::string& name, const std::string& database
 }
 
 void ServerTest::waitUntilBlocked(const Session& session) {
-  waitUntil([&] {
+  const bool blocked = waitUntil([&] {
     return admin_.value("SELECT wait_event_type FROM pg_stat_activity WHERE pid = " +
                         std::to_string(session.process())) == "Lock";
   });
+  ASSERT_TRUE(blocked);
 }
 
 }  // namespace testing_support

@@ -32,9 +32,6 @@ std::unique_ptr<tal::Engine> openEngine(const PrivateServer& server);
 // The status of the Failure that `action` throws, kSuccess when it throws none.
 tal::Status statusOf(const std::function<void()>& action);
 
-// Repeats `condition` until it holds; a test that waits longer than kDeadline fails.
-void waitUntil(const std::function<bool()>& condition);
-
 // A test that begins and ends with no session on the server but its own administrator's, with a new
 // table t in "app" that has a primary key and an index, t_note.
 class ServerTest : public testing::Test {

@@ -1,6 +1,5 @@
 // Runs at a fixed rate that lose their server: each ends soon and says why, none hangs.
 #include "tests/mariadb/server_test.h"
-#include "tests/mariadb/wait_until.h"
 #include "tests/postgresql/server_test.h"
 #include "tests/servers/kill_server.h"
 #include "tests/servers/timed_run.h"

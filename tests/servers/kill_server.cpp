@@ -5,6 +5,7 @@
 
 #include "tests/postgresql/server_test.h"
 #include "tests/servers/shared_memory.h"
+#include "tests/support/wait_until.h"
 
 namespace servers_testing {
 
@@ -13,7 +14,8 @@ void killServer(const testing_support::PrivateServer& server) {
   const SharedMemory memory(process);
   ::kill(process, SIGKILL);
   const std::string address = server.connectionString("postgres", "secret", "app");
-  testing_support::waitUntil([&] { return PQping(address.c_str()) == PQPING_NO_RESPONSE; });
+  ASSERT_TRUE(
+      testing_support::waitUntil([&] { return PQping(address.c_str()) == PQPING_NO_RESPONSE; }));
   memory.remove();
 }
 

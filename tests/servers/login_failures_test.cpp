@@ -1,11 +1,11 @@
 // Servers that cannot be watched: what zelk says and how it ends, in either form.
 #include <nlohmann/json.hpp>
 
-#include "tests/mariadb/loopback.h"
 #include "tests/mariadb/server_test.h"
 #include "tests/postgresql/server_test.h"
 #include "tests/program/program_under_test.h"
 #include "tests/servers/monitor.h"
+#include "tests/support/loopback.h"
 
 namespace servers_testing {
 namespace {
@@ -128,9 +128,10 @@ void expectCompleteDocument(const Attempt& attempt) {
 }
 
 TEST(LoginFailures, HaveOneTextAndNoSection) {
-  const mariadb_testing::SilentListener silentServer;
+  const testing_support::SilentListener silentServer;
   const std::string silent = "127.0.0.1:" + std::to_string(silentServer.port());
-  const std::string closed = "127.0.0.1:" + std::to_string(mariadb_testing::freePort());
+  const testing_support::ReservedPort closedPort;
+  const std::string closed = "127.0.0.1:" + std::to_string(closedPort.number());
   std::vector<Failure> failures = postgresqlFailures(closed, silent);
   for (const Failure& failure : mariadbFailures(closed, silent)) failures.push_back(failure);
 

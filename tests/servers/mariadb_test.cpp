@@ -2,9 +2,9 @@
 #include <thread>
 
 #include "tests/mariadb/server_test.h"
-#include "tests/mariadb/wait_until.h"
 #include "tests/servers/monitor.h"
 #include "tests/support/text_comparison.h"
+#include "tests/support/wait_until.h"
 
 namespace servers_testing {
 namespace {
@@ -65,7 +65,7 @@ class LoadedTest : public Server {
     users_.at("dave").start("SELECT * FROM items");
     this->waitForState(users_.at("dave"), "Waiting for table metadata lock");
     users_.at("erin").executeAll({"BEGIN", "SELECT COUNT(*) FROM orders"});
-    const bool pictured = mariadb_testing::waitUntil(
+    const bool pictured = testing_support::waitUntil(
         [this] {
           return number("SELECT COUNT(*) FROM information_schema.innodb_trx") == 3 &&
                  number("SELECT COUNT(*) FROM information_schema.innodb_lock_waits") == 1;
@@ -88,7 +88,7 @@ class LoadedTest : public Server {
 
   // No monitor is there, and the server's picture of transactions is old enough to be renewed.
   void waitUntilAlone() {
-    EXPECT_TRUE(mariadb_testing::waitUntil([this] {
+    EXPECT_TRUE(testing_support::waitUntil([this] {
       return number("SELECT COUNT(*) FROM information_schema.processlist WHERE user = 'zelk'") == 0;
     }));
     std::this_thread::sleep_for(mariadb_testing::kPictureAge);

@@ -1,9 +1,9 @@
 // Names that hold what could break a line or drive a terminal.
 #include "tests/mariadb/server_test.h"
-#include "tests/mariadb/wait_until.h"
 #include "tests/postgresql/server_test.h"
 #include "tests/servers/monitor.h"
 #include "tests/support/text_comparison.h"
+#include "tests/support/wait_until.h"
 
 namespace servers_testing {
 namespace {
@@ -41,7 +41,7 @@ TEST_F(MariadbNamesTest, ControlCharactersAreReplaced) {
   mariadb_testing::Session user(server_, "us\"er\n\x1b[2Jx");
   user.executeAll({"USE app", "BEGIN", "SELECT * FROM `ta\"b'l\\e\n\rx`"});
 
-  const bool pictured = mariadb_testing::waitUntil(
+  const bool pictured = testing_support::waitUntil(
       [this] { return admin_.value("SELECT COUNT(*) FROM information_schema.innodb_trx") == "1"; },
       mariadb_testing::kPictureAge);
   ASSERT_TRUE(pictured);

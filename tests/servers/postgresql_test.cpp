@@ -4,6 +4,7 @@
 #include "tests/postgresql/server_test.h"
 #include "tests/servers/monitor.h"
 #include "tests/support/text_comparison.h"
+#include "tests/support/wait_until.h"
 
 namespace servers_testing {
 namespace {
@@ -90,9 +91,9 @@ class PostgresqlTest : public testing_support::ServerTest {
 
   // Asks all that holds still, before and after zelk does, so that it held between as well.
   std::map<std::string, std::string> facts() {
-    testing_support::waitUntil([this] {
+    EXPECT_TRUE(testing_support::waitUntil([this] {
       return admin_.value("SELECT count(*) FROM pg_stat_activity WHERE usename = 'zelk'") == "0";
-    });
+    }));
     std::map<std::string, std::string> answers;
     for (const auto& [name, query] : kOwnFacts) answers[name] = admin_.value(query);
     answers["handle lines"] = rows(kHandles);

@@ -1,4 +1,4 @@
-// Ports of this machine that are no server's, or a wrong one's.
+// Ports of this machine: free ones, and ones on which somebody unexpected listens.
 #pragma once
 
 #include <cstdint>
@@ -7,10 +7,21 @@
 
 #include "tests/support/file_descriptor.h"
 
-namespace mariadb_testing {
+namespace testing_support {
 
-// A port of 127.0.0.1 on which nobody listens.
-std::uint16_t freePort();
+// A port of 127.0.0.1 on which nobody listens. As long as the object lives, no other ReservedPort
+// on this machine is the same, and the system gives the port to nobody who asks for any free port.
+class ReservedPort {
+ public:
+  // Throws std::runtime_error when all are taken.
+  ReservedPort();
+
+  [[nodiscard]] std::uint16_t number() const { return number_; }
+
+ private:
+  FileDescriptor claim_;
+  std::uint16_t number_ = 0;
+};
 
 // Listens on a port of this machine, a free one unless it is named. Connections are made, and
 // nothing is ever said on them.
@@ -19,11 +30,10 @@ class SilentListener {
   explicit SilentListener(const char* host = "127.0.0.1", std::uint16_t port = 0);
 
   [[nodiscard]] std::uint16_t port() const { return port_; }
-
- protected:
-  testing_support::FileDescriptor listener_;
+  [[nodiscard]] int socket() const { return listener_.number(); }
 
  private:
+  FileDescriptor listener_;
   std::uint16_t port_ = 0;
 };
 
@@ -35,7 +45,7 @@ class ForeignListener : public SilentListener {
   ForeignListener& operator=(const ForeignListener&) = delete;
   ~ForeignListener();
 
-  // What the visitor has said; waits until it has hung up.
+  // What the visitor has said. Waits until it has hung up.
   const std::string& heard();
 
  private:
@@ -45,4 +55,4 @@ class ForeignListener : public SilentListener {
   std::thread thread_;
 };
 
-}  // namespace mariadb_testing
+}  // namespace testing_support
