@@ -1,4 +1,4 @@
-# Two targets that everything links: the language and instrumentation, and the warnings.
+# Two targets that everything links: the language, hardening and instrumentation; and the warnings.
 
 add_library(zelk_options INTERFACE)
 target_compile_features(zelk_options INTERFACE cxx_std_20 c_std_11)
@@ -6,6 +6,21 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_C_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+include(CheckPIESupported)
+check_pie_supported()
+
+# An attacker who finds a memory error must not be able to use it: the program ends instead.
+target_compile_definitions(zelk_options INTERFACE _GLIBCXX_ASSERTIONS)
+if(NOT ZELK_SANITIZE)
+  target_compile_options(zelk_options INTERFACE
+    -fstack-protector-strong
+    -fstack-clash-protection
+    $<$<STREQUAL:${CMAKE_SYSTEM_PROCESSOR},x86_64>:-fcf-protection>
+    # It works in optimised code only. A distribution may have set another level.
+    "$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+endif()
+target_link_options(zelk_options INTERFACE -Wl,-z,relro,-z,now,-z,noexecstack)
 
 if(ZELK_SANITIZE)
   target_compile_options(zelk_options INTERFACE
