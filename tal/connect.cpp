@@ -19,6 +19,7 @@ constexpr std::array kSchemes = {
     Scheme{"sim:",          sim::open, nullptr            },
     Scheme{"postgresql://", nullptr,   "tal-postgresql.so"},
     Scheme{"mariadb://",    nullptr,   "tal-mariadb.so"   },
+    Scheme{"replay:",       nullptr,   "tal-replay.so"    },
 };
 
 }  // namespace

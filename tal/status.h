@@ -41,11 +41,13 @@ enum class Status : std::int16_t {
   kAccountLocked = 7124,        // the account is locked
   kModuleMissing = 7125,        // the engine's module, or a library that it needs, is not installed
   kModuleForeign = 7126,        // the engine's module is of another build than the library
-  // 7127 and 7128 belong to a replay.
-  kAnswerTooLarge = 7129,   // the server's answer has more bytes or rows than the library takes
-  kOtherProtocol = 7130,    // something answers there, but not as a server of this kind
-  kUnsafeLogin = 7131,      // the server asks for the password in a way that gives it away
-  kSettingsRefused = 7132,  // the session is not read-only or not bounded, as it has to be
+  kRecordingEnds = 7127,        // a replay has no further moment
+  kNotRecorded = 7128,          // a replay has not what is asked for: it was switched off then
+  kAnswerTooLarge = 7129,       // the server's answer has more bytes or rows than the library takes
+  kOtherProtocol = 7130,        // something answers there, but not as a server of this kind
+  kUnsafeLogin = 7131,          // the server asks for the password in a way that gives it away
+  kSettingsRefused = 7132,      // the session is not read-only or not bounded, as it has to be
+  kRecordingUnreadable = 7133,  // the file of a replay cannot be read
 };
 
 }  // namespace tal

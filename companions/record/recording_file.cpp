@@ -1,0 +1,152 @@
+#include "companions/record/recording_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <optional>
+#include <system_error>
+
+#include "tal/recording/lines.h"
+#include "tal/recording/writer.h"
+
+namespace companions::record {
+namespace {
+
+using tal::recording::Damaged;
+using tal::recording::Line;
+using tal::recording::Moment;
+using tal::recording::MomentReader;
+using tal::recording::RecordingLines;
+
+constexpr mode_t kOwnerOnly = 0600;
+
+std::string reasonOf(int error) { return std::generic_category().message(error); }
+
+// Whether bytes that are no whole line can be the start of one that was being written: a moment
+// that was cut off, or what a power cut left.
+bool isUnfinished(std::string_view bytes) {
+  constexpr std::string_view kStart = "{\"zelk_recording\":";
+  constexpr std::string_view kFrame = "\x28\xb5\x2f\xfd";
+  const auto agrees = [&](std::string_view start) {
+    return bytes.substr(0, start.size()) == start.substr(0, bytes.size());
+  };
+  return bytes.empty() || bytes.front() == '\0' || agrees(kStart) || agrees(kFrame);
+}
+
+// What a file holds already.
+struct Contents {
+  std::uint64_t length = 0;           // of its whole lines, in bytes
+  std::optional<std::string> server;  // of the last whole moment
+};
+
+Contents contentsOf(const std::string& name) {
+  RecordingLines lines(name);
+  MomentReader reader;
+  Contents contents;
+  std::string last;
+  std::size_t length = 0;
+  for (Line line; lines.next(line);) {
+    if (line.damage != nullptr) continue;
+    length = line.text.size();
+    last.assign(line.text).append(tal::recording::kPadding, '\0');
+  }
+  contents.length = lines.length();
+  if (last.empty()) return contents;
+  try {
+    contents.server = reader.read(std::string_view(last).substr(0, length)).heading.server;
+  } catch (const Damaged&) {
+    // The last whole moment stands further in front.
+    tal::recording::RecordingReader moments(name, [](const std::string&) {});
+    for (Moment moment; moments.next(moment);) contents.server = moment.heading.server;
+  }
+  return contents;
+}
+
+}  // namespace
+
+RecordingFile::RecordingFile(const std::string& name, const std::string& server)
+    : name_(name),
+      descriptor_(
+          ::open(name.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, kOwnerOnly)) {
+  if (descriptor_ < 0) fail("cannot be opened", errno);
+  try {
+    lock();
+    continueAfter(server);
+  } catch (const tal::FileError& error) {
+    ::close(descriptor_);
+    throw FileFailure(name_ + ": " + error.what());
+  } catch (...) {
+    ::close(descriptor_);
+    throw;
+  }
+}
+
+RecordingFile::~RecordingFile() { ::close(descriptor_); }
+
+void RecordingFile::append(std::string_view bytes) {
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    const ssize_t count = ::write(descriptor_, bytes.data() + written, bytes.size() - written);
+    if (count >= 0) {
+      written += static_cast<std::size_t>(count);
+      continue;
+    }
+    const int error = errno;
+    if (error == EINTR) continue;
+    // The end is asked for now: somebody may have emptied the file meanwhile.
+    struct stat status {};
+    const auto partial = static_cast<off_t>(written);
+    if (partial > 0 && (::fstat(descriptor_, &status) != 0 || status.st_size < partial ||
+                        ::ftruncate(descriptor_, status.st_size - partial) != 0)) {
+      fail("cannot be cut back to its last whole moment", errno);
+    }
+    if (error == ENOSPC || error == EDQUOT || error == EFBIG) {
+      throw DiskFull(name_ + ": " + reasonOf(error));
+    }
+    fail("cannot be written", error);
+  }
+}
+
+void RecordingFile::sync() {
+  if (::fdatasync(descriptor_) != 0 && errno != EINVAL && errno != EROFS) {
+    fail("cannot be written to the disk", errno);
+  }
+}
+
+void RecordingFile::lock() {
+  struct stat status {};
+  if (::fstat(descriptor_, &status) != 0) fail("cannot be read", errno);
+  if (!S_ISREG(status.st_mode)) throw FileFailure(name_ + ": is not a regular file");
+  if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0) return;
+  if (errno != EWOULDBLOCK) fail("cannot be locked", errno);
+  throw FileFailure(name_ + ": another recorder writes this file; give another one with -o");
+}
+
+void RecordingFile::continueAfter(const std::string& server) {
+  std::array<char, 32> start{};
+  const ssize_t count = ::pread(descriptor_, start.data(), start.size(), 0);
+  if (count < 0) fail("cannot be read", errno);
+  if (count == 0) return;
+  const Contents contents = contentsOf(name_);
+  if (contents.server && *contents.server != tal::recording::recordableServer(server)) {
+    throw FileFailure(name_ + ": holds moments of the server \"" + *contents.server +
+                      "\"; give another file with -o");
+  }
+  const std::string_view bytes(start.data(), static_cast<std::size_t>(count));
+  if (!contents.server && (contents.length > 0 || !isUnfinished(bytes))) {
+    throw FileFailure(name_ + ": holds no recording; give another file with -o");
+  }
+  if (::ftruncate(descriptor_, static_cast<off_t>(contents.length)) != 0) {
+    fail("cannot be cut back to its last whole moment", errno);
+  }
+}
+
+void RecordingFile::fail(const std::string& what, int error) const {
+  throw FileFailure(name_ + ": " + what + ": " + reasonOf(error));
+}
+
+}  // namespace companions::record

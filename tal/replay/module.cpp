@@ -1,0 +1,7 @@
+#include "tal/module_entry.h"
+
+#include "tal/replay/replay.h"
+
+tal::OpenEngine* talModule(const char* abiTag) noexcept {
+  return tal::unlessForeign(abiTag, tal::replay::open);
+}
