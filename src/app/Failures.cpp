@@ -1,5 +1,6 @@
 #include "app/Failures.h"
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -37,33 +38,53 @@ void printErrorLine(const orv::String& text) {
   attempt([&text] { s_errpw->println(errorLine(text)); });
 }
 
-// The last words of a process that cannot report in the ordinary way; returns its exit code.
-int lastWords(const orv::Exception& failure) noexcept {
-  const bool isDescribed = !failure.getDescription().isEmpty();
-  const int code = isDescribed ? kExitDescribed : failure.getResult();
-  try {
-    const orv::String text =
-        isDescribed ? failure.getDescription() : "zelk: failure " + orv::String::valueOf(code);
-    std::fprintf(stderr, "%s\n", errorLine(text).toBytes().c_str());
-  } catch (const std::bad_alloc&) {
-    std::fputs("zelk: out of memory\n", stderr);
-  }
+orv::String fatalText(int code) {
+  if (!s_msgHelper && code == kExitOutOfMemory) return "zelk: out of memory";
+  if (!s_msgHelper) return "zelk: failure " + orv::String::valueOf(code);
+  return s_msgHelper->getResStr("FATAL_ERROR", code);
+}
+
+// Prints the last line of a process that cannot report in the ordinary way; returns its exit code.
+int sayLastWords(int code, const orv::String& text) {
+  std::fprintf(stderr, "%s\n", errorLine(text).toBytes().c_str());
   return code;
 }
 
-[[noreturn]] void onTerminate() {
-  int code = kExitUnknownFailure;
-  try {
-    if (const auto failure = std::current_exception()) std::rethrow_exception(failure);
-  } catch (const std::bad_alloc&) {
-    code = kExitOutOfMemory;
-    std::fputs("zelk: out of memory\n", stderr);
-  } catch (const orv::Exception& failure) {
-    code = lastWords(failure);
-  } catch (...) {
-    std::fputs("zelk: unknown failure\n", stderr);
+int sayLastWordsOn(const orv::Exception& failure) {
+  if (!failure.getDescription().isEmpty()) {
+    return sayLastWords(kExitDescribed, failure.getDescription());
   }
-  std::_Exit(code);
+  return sayLastWords(failure.getResult(), fatalText(failure.getResult()));
+}
+
+int sayLastWords() {
+  // Without an exception: there was no memory to make one.
+  if (!std::current_exception()) return sayLastWords(kExitOutOfMemory, fatalText(kExitOutOfMemory));
+  try {
+    throw;
+  } catch (const std::bad_alloc&) {
+    return sayLastWords(kExitOutOfMemory, fatalText(kExitOutOfMemory));
+  } catch (const orv::Exception& failure) {
+    return sayLastWordsOn(failure);
+  } catch (...) {
+    return sayLastWords(kExitUnknownFailure, fatalText(kExitUnknownFailure));
+  }
+}
+
+// Says so without any memory of its own, and ends the process.
+[[noreturn]] void endOutOfMemory() {
+  std::fputs(m_JSON ? "\t\"error\": \"zelk: out of memory\"\n" : "zelk: out of memory\n", stderr);
+  std::_Exit(kExitOutOfMemory);
+}
+
+[[noreturn]] void onTerminate() {
+  static std::atomic<bool> s_isEnding{false};
+  if (s_isEnding.exchange(true)) endOutOfMemory();  // the last words themselves have failed
+  try {
+    std::_Exit(sayLastWords());
+  } catch (...) {
+    endOutOfMemory();
+  }
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 // The process entry.
-#include <clocale>
 #include <new>
 
 #include "app/CommandLine.h"
@@ -56,10 +55,9 @@ int monitorGuarded(const orv::String& fileName, bool runOnce) {
 int main(int argc, char** argv) {
   installTerminateHandler();
   orv::keepStandardDescriptors();
-  std::setlocale(LC_MESSAGES, "");  // of the locale nothing but the language is used
+  orv::useMessageLanguage();
   createProcessWideObjects();
   orv::ignoreFileSizeSignal();
-  orv::installStopSignals(s_stopRequested);
 
   orv::String fileName;
   bool runOnce = false;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
-#include <string_view>
+#include <string>
 #include <utility>
 
 #include "orv/Exception.h"
@@ -15,18 +15,33 @@
 namespace {
 
 constexpr std::size_t kBufferSize = 2048;
+constexpr std::size_t kLargestFile = 4U << 20U;
 constexpr int kMapCapacity = 101;
 constexpr float kMapLoadFactor = 0.75F;
 constexpr std::size_t kKeyLength = 4;
 constexpr int kSmallestRefreshRate = 5;
 
-constexpr std::wstring_view kKeys[] = {L"SERV", L"USER", L"PASS", L"REFR", L"LIMI",
-                                       L"OUTP", L"NAME", L"FILE", L"SESS", L"CONN",
-                                       L"RESO", L"COMM", L"HAND"};
+constexpr const char* kServer = "SERV";
+constexpr const char* kUser = "USER";
+constexpr const char* kPassword = "PASS";
+constexpr const char* kRefreshRate = "REFR";
+constexpr const char* kRefreshLimit = "LIMI";
+constexpr const char* kOutput = "OUTP";
+constexpr const char* kLogFileName = "NAME";
+constexpr const char* kFiles = "FILE";
+constexpr const char* kSessions = "SESS";
+constexpr const char* kConnections = "CONN";
+constexpr const char* kResources = "RESO";
+constexpr const char* kCommunications = "COMM";
+constexpr const char* kHandles = "HAND";
+
+constexpr const char* kKeys[] = {
+    kServer, kUser,     kPassword,    kRefreshRate, kRefreshLimit,   kOutput, kLogFileName,
+    kFiles,  kSessions, kConnections, kResources,   kCommunications, kHandles};
 
 // Other keys are not kept, so that the size of the file does not matter.
 bool isKnown(const orv::String& key) {
-  return std::find(std::begin(kKeys), std::end(kKeys), key.wide()) != std::end(kKeys);
+  return std::find(std::begin(kKeys), std::end(kKeys), key) != std::end(kKeys);
 }
 
 bool isComment(const orv::String& line) { return line.startsWith(L"//"); }
@@ -40,7 +55,7 @@ ConfigFileReader::ConfigFileReader(orv::String fileName)
 orv::OwningPtr<ConfigData> ConfigFileReader::readConfiguration() {
   openFile();
   settings_ = orv::makeReference<orv::collections::StringHashMap>(kMapCapacity, kMapLoadFactor);
-  readLines();
+  readWholeFile();
   data_ = orv::makeOwned<ConfigData>();
   setValues();
   return std::move(data_);
@@ -50,9 +65,18 @@ void ConfigFileReader::openFile() {
   try {
     lines_ =
         orv::makeReference<orv::io::BufferedReader>(orv::makeReference<orv::io::InputStreamReader>(
-            orv::makeReference<orv::io::FileInputStream>(fileName_), kBufferSize));
+            orv::makeReference<orv::io::FileInputStream>(fileName_, kLargestFile), kBufferSize));
   } catch (const orv::Exception& exception) {
     throwError(exception.getResult());
+  }
+}
+
+void ConfigFileReader::readWholeFile() {
+  try {
+    readLines();
+  } catch (const orv::ResultException& exception) {
+    if (exception.getResult() != orv::kFileTooLarge) throw;
+    throw ConfigException(messages_->getResStr("ERR_FILE_TOO_LARGE"));
   }
 }
 
@@ -78,21 +102,24 @@ void ConfigFileReader::addConfigSetting(const orv::String& line) {
   settings_->put(key, pieces.countTokens() == 1 ? pieces.nextToken() : orv::String());
 }
 
-orv::String ConfigFileReader::getValue(const char* key, bool required) const {
+orv::String ConfigFileReader::getValue(const orv::String& key, bool required) const {
   const orv::String* const value = settings_->get(key);
-  if (value == nullptr) throw ConfigException(messages_->getResStr("ERR_MISSING_TAG", key));
+  const std::string name = key.toBytes();
+  if (value == nullptr) {
+    throw ConfigException(messages_->getResStr("ERR_MISSING_TAG", name.c_str()));
+  }
   if (required && value->isEmpty()) {
-    throw ConfigException(messages_->getResStr("ERR_MISSING_TAG_VALUE", key));
+    throw ConfigException(messages_->getResStr("ERR_MISSING_TAG_VALUE", name.c_str()));
   }
   return *value;
 }
 
-bool ConfigFileReader::getBooleanValue(const char* key, bool defaultValue) const {
+bool ConfigFileReader::getBooleanValue(const orv::String& key, bool defaultValue) const {
   const orv::String value = getValue(key, false);
   return value.isEmpty() ? defaultValue : !value.equalsIgnoreCase("NO");
 }
 
-int ConfigFileReader::getNumber(const char* key) const {
+int ConfigFileReader::getNumber(const orv::String& key) const {
   try {
     return Utils::parseInt(getValue(key, false));
   } catch (const NumberFormatException&) {
@@ -101,34 +128,34 @@ int ConfigFileReader::getNumber(const char* key) const {
 }
 
 void ConfigFileReader::setValues() {
-  data_->server = getValue("SERV", true);
-  data_->user = getValue("USER", false);
-  data_->password = getValue("PASS", false);
+  data_->server = getValue(kServer, true);
+  data_->user = getValue(kUser, false);
+  data_->password = getValue(kPassword, false);
   setRefreshRate();
   setRefreshlimit();
   setOutputTypes();
-  data_->logFileName = getValue("NAME", false);
+  data_->logFileName = getValue(kLogFileName, false);
   if (data_->logFileName.isEmpty()) data_->logFileName = "monitor.log";
-  data_->showFiles = getBooleanValue("FILE", true);
-  data_->showSessions = getBooleanValue("SESS", true);
-  data_->showConnections = getBooleanValue("CONN", true);
-  data_->showResources = getBooleanValue("RESO", true);
-  data_->showCommunications = getBooleanValue("COMM", true);
-  data_->showHandles = getBooleanValue("HAND", true);
+  data_->showFiles = getBooleanValue(kFiles, true);
+  data_->showSessions = getBooleanValue(kSessions, true);
+  data_->showConnections = getBooleanValue(kConnections, true);
+  data_->showResources = getBooleanValue(kResources, true);
+  data_->showCommunications = getBooleanValue(kCommunications, true);
+  data_->showHandles = getBooleanValue(kHandles, true);
 }
 
 void ConfigFileReader::setRefreshRate() {
-  const int rate = getNumber("REFR");
+  const int rate = getNumber(kRefreshRate);
   data_->refreshRate = rate <= 0 ? 0 : std::max(rate, kSmallestRefreshRate);
 }
 
 void ConfigFileReader::setRefreshlimit() {
-  const int limit = getNumber("LIMI");
+  const int limit = getNumber(kRefreshLimit);
   data_->refreshLimit = data_->refreshRate <= 0 ? 0 : std::max(limit, 0);
 }
 
 void ConfigFileReader::setOutputTypes() {
-  data_->outputType = getValue("OUTP", true);
+  data_->outputType = getValue(kOutput, true);
   const orv::String type = data_->outputType.first(kKeyLength);
   const bool isBoth = type.equalsIgnoreCase("BOTH");
   data_->consoleOutput = isBoth || type.equalsIgnoreCase("CONS");

@@ -28,23 +28,25 @@ class ConfigFileReader {
   explicit ConfigFileReader(orv::String fileName);
 
   // Reads the whole file; the caller owns the settings. Throws ConfigException for settings that
-  // are missing or too long to be settings, orv::io::IoException for a file that is missing or
-  // refused, and orv::ResultException for a file that cannot be opened or read for another reason.
+  // are missing and for a line or a file that is too long, orv::io::IoException for a file that is
+  // missing or refused, and orv::ResultException for a file that cannot be opened or read for
+  // another reason.
   orv::OwningPtr<ConfigData> readConfiguration();
 
  private:
   void openFile();
+  void readWholeFile();
   void readLines();
   void addConfigSetting(const orv::String& line);
 
   // The value of a key. Throws ConfigException if the key is missing, or if its value is empty
   // though it is `required`.
-  [[nodiscard]] orv::String getValue(const char* key, bool required) const;
+  [[nodiscard]] orv::String getValue(const orv::String& key, bool required) const;
   // False for "NO" in any case, true for any other value (deliberate), the default for an empty
   // one.
-  [[nodiscard]] bool getBooleanValue(const char* key, bool defaultValue) const;
+  [[nodiscard]] bool getBooleanValue(const orv::String& key, bool defaultValue) const;
   // 0 for what is not a number.
-  [[nodiscard]] int getNumber(const char* key) const;
+  [[nodiscard]] int getNumber(const orv::String& key) const;
 
   void setValues();
   void setRefreshRate();

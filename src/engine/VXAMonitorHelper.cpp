@@ -29,7 +29,8 @@ orv::Reference<ConnInfo> connectionOf(const TalSqlConnectionInfo& info) {
 
 VXAMonitorHelper::VXAMonitorHelper()
     : handle_(kNoConnection),
-      messages_(orv::makeReference<MessageHelper>("TALMSG", "ORV_MSG_P_E_")) {}
+      messages_(orv::makeReference<MessageHelper>("TALMSG", "ORV_MSG_P_E_")),
+      programMessages_(orv::makeReference<MessageHelper>("ZELK", "ZELK_")) {}
 
 void VXAMonitorHelper::connect(const orv::String& server, const orv::String& user,
                                const orv::String& password) {
@@ -42,7 +43,8 @@ void VXAMonitorHelper::connect(const orv::String& server, const orv::String& use
   for (const std::string& text : texts) {
     if (text.size() <= kLongestCredential && text.find('\0') == std::string::npos) continue;
     stop();
-    throw orv::Exception(MessageHelper("ZELK", "ZELK_").getResStr("ERR_CREDENTIALS_TOO_LONG"));
+    throw orv::ResultException(orv::kInvalidArgument,
+                               programMessages_->getResStr("ERR_CREDENTIALS_TOO_LONG"));
   }
   std::int32_t connected = kNoConnection;
   const std::int16_t status =

@@ -41,9 +41,9 @@ class VXAMonitorHelper {
   VXAMonitorHelper& operator=(const VXAMonitorHelper&) = delete;
   virtual ~VXAMonitorHelper() = default;
 
-  // Three empty texts stand for the local engine. A text of more than 255 bytes is refused with
-  // orv::Exception: cutting a password silently would lock accounts. After a failure the
-  // interface is stopped.
+  // Three empty texts stand for the local engine. A text of more than 255 bytes or with a NUL byte
+  // is refused with orv::ResultException: cutting a password silently would lock accounts. After a
+  // failure the interface is stopped.
   void connect(const orv::String& server, const orv::String& user, const orv::String& password);
   // May be called again; then it does nothing.
   void disconnect();
@@ -76,5 +76,6 @@ class VXAMonitorHelper {
 
   std::int32_t handle_;
   bool isStopped_ = false;
-  orv::Reference<MessageHelper> messages_;
+  orv::Reference<MessageHelper> messages_;  // texts of the engine's statuses
+  orv::Reference<MessageHelper> programMessages_;
 };

@@ -22,13 +22,12 @@ class MessageHelper : public orv::Object {
   [[nodiscard]] orv::String getResStr(const char* key, Arguments... arguments) const {
     static_assert(((std::is_same_v<Arguments, const char*> || std::is_same_v<Arguments, int>)&&...),
                   "a message takes narrow strings and ints");
-    constexpr std::array<ArgumentKind, sizeof...(Arguments)> kKinds{
-        (std::is_same_v<Arguments, int> ? ArgumentKind::kInteger : ArgumentKind::kText)...};
-    return format(key, kKinds, arguments...);
+    return format(key, std::array<MessageArgument, sizeof...(Arguments)>{arguments...});
   }
 
  private:
-  orv::String format(const char* key, std::span<const ArgumentKind> kinds, ...) const;
+  [[nodiscard]] orv::String format(const char* key,
+                                   std::span<const MessageArgument> arguments) const;
 
   orv::String bundle_;
   orv::String prefix_;

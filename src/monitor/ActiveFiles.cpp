@@ -63,9 +63,9 @@ void MonitorProcessor::writeFileHandlesJson(const FileInfo::Handles& handles) {
 
 void MonitorProcessor::processActiveFileInfo(const FileInfo& file, bool json) {
   const orv::String pageSize = orv::String::valueOf(file.pageSize);
-  const orv::String& readOnly = getReadOnlyFlagString(file.readOnly);
-  const orv::String& recordLocks = getRecordLocksString(file.recordLocks);
-  const orv::String& transactionLock = getTransactionLockString(file.transactionLock);
+  const orv::String readOnly = getReadOnlyFlagString(file.readOnly);
+  const orv::String recordLocks = getRecordLocksString(file.recordLocks);
+  const orv::String transactionLock = getTransactionLockString(file.transactionLock);
   const orv::String sizeKb = orv::String::valueOf(file.sizeKb);
   if (json) {
     put("\t\t\t\t\"page_size\": " + pageSize + ",");
@@ -85,10 +85,10 @@ void MonitorProcessor::processActiveFileInfo(const FileInfo& file, bool json) {
 
 void MonitorProcessor::processActiveFileHDLInfo(const FileHandleInfo& handle, bool json) {
   const orv::String clientIndex = unsignedText(handle.clientIndex);
-  const orv::String& openMode = getOpenModeString(handle.openMode);
-  const orv::String& recordLockType = getRecordLockTypeString(handle.recordLockType);
-  const orv::String& waitState = getWaitStateString(handle.waitState);
-  const orv::String& transactionState = getTransStateString(handle.transactionState);
+  const orv::String openMode = getOpenModeString(handle.openMode);
+  const orv::String recordLockType = getRecordLockTypeString(handle.recordLockType);
+  const orv::String waitState = getWaitStateString(handle.waitState);
+  const orv::String transactionState = getTransStateString(handle.transactionState);
   if (json) {
     put("\t\t\t\t\t\t\"client_index\": " + clientIndex + ",");
     put("\t\t\t\t\t\t\"client_name\": \"" + handle.clientName + "\",");

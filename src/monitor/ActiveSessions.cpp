@@ -74,9 +74,9 @@ void MonitorProcessor::processActiveSessionInfo(const SessionInfo& session, bool
       getConnectionString(static_cast<unsigned long>(session.connectionNumber));
   const orv::String taskNumber = orv::String::valueOf(session.clientId->task);
   const orv::String processId = unsignedText(session.processId);
-  const orv::String& site = getSiteString(session.site);
+  const orv::String site = getSiteString(session.site);
   const orv::String locksUsed = unsignedText(session.locksUsed);
-  const orv::String& transactionState = getTransStateString(session.transactionState);
+  const orv::String transactionState = getTransStateString(session.transactionState);
   const orv::String read = unsignedText(session.recordsRead);
   const orv::String inserted = unsignedText(session.recordsInserted);
   const orv::String deleted = unsignedText(session.recordsDeleted);
@@ -119,10 +119,10 @@ void MonitorProcessor::processActiveSessionInfo(const SessionInfo& session, bool
 }
 
 void MonitorProcessor::processActiveSessionHDInfo(const SessionHandleInfo& handle, bool json) {
-  const orv::String& openMode = getOpenModeString(handle.openMode);
-  const orv::String& recordLockType = getRecordLockTypeString(handle.recordLockType);
-  const orv::String& waitState = getWaitStateString(handle.waitState);
-  const orv::String& transactionState = getTransStateString(handle.transactionState);
+  const orv::String openMode = getOpenModeString(handle.openMode);
+  const orv::String recordLockType = getRecordLockTypeString(handle.recordLockType);
+  const orv::String waitState = getWaitStateString(handle.waitState);
+  const orv::String transactionState = getTransStateString(handle.transactionState);
   if (json) {
     // No blank after the bracket (deliberate).
     put("\t\t\t\t\t\t\"open_mode\": [" + openMode + " ],");

@@ -41,7 +41,7 @@ void MonitorProcessor::writeCommunicationText(const CommStats& statistics) {
   output_->putHeader("Communication Statistics", 0);
   put("Total Requests Processed:\t" + unsignedText(statistics.requests), 1);
   for (const auto& protocol : *statistics.protocols) {
-    const orv::String& label = getProtocolRequestString(static_cast<int>(protocol->code));
+    const orv::String label = getProtocolRequestString(static_cast<int>(protocol->code));
     if (isNamed(label)) put(label + ":\t" + unsignedText(protocol->requests), 1);
   }
   put("Total Connection Timeouts:\t" + unsignedText(statistics.timeouts), 1);
@@ -56,7 +56,7 @@ void MonitorProcessor::writeCommunicationText(const CommStats& statistics) {
           getMaxValue(statistics.remoteMaximum),
       1);
   for (const auto& protocol : *statistics.protocols) {
-    const orv::String& label = getProtocolSessionString(static_cast<int>(protocol->code));
+    const orv::String label = getProtocolSessionString(static_cast<int>(protocol->code));
     if (!isNamed(label)) continue;
     put(label + unsignedText(protocol->currentSessions) + "\t\t" +
             unsignedText(protocol->peakSessions),

@@ -4,11 +4,12 @@
 
 namespace {
 
-enum FrameState { kNotOpened = 0, kOwnedByRun = 1, kOpened = 2 };
+enum FrameState { kNotOpened = 0, kOwnedByRun = 1, kOpened = 2, kComplete = 3 };
 
 int s_jsonFrameState = kNotOpened;
 
 void openFrame() {
+  if (s_jsonFrameState == kComplete) return;
   if (s_jsonFrameState != kNotOpened) {
     s_jsonFrameState = kNotOpened;  // the closing must write what the interrupted run could not
     return;
@@ -18,7 +19,7 @@ void openFrame() {
 }
 
 void closeFrame() {
-  if (s_jsonFrameState != kOwnedByRun) s_pw->println("}");
+  if (s_jsonFrameState != kOwnedByRun && s_jsonFrameState != kComplete) s_pw->println("}");
   s_jsonFrameState = kNotOpened;
 }
 
@@ -44,3 +45,5 @@ void displayJSONHeader(bool json, int close, int mode) {
     s_jsonFrameState = kOwnedByRun;
   }
 }
+
+void completeJsonDocument() { s_jsonFrameState = kComplete; }

@@ -15,3 +15,6 @@ std::array<orv::String, 5> jsonHeaderLines(const MessageHelper& messages);
 // (1, any) closes the document, unless the run has it.
 // Throws orv::io::IoException.
 void displayJSONHeader(bool json, int close, int mode);
+
+// The monitoring run has closed its document: up to the next closing, nothing is printed.
+void completeJsonDocument();

@@ -24,8 +24,8 @@ orv::Reference<orv::io::PrintWriter> newStdOutWriter() {
 void MonitorProcessor::processMonitorRequestsUntilStopped(bool json) {
   const auto writer = newStdOutWriter();
   const bool isLimited = config_->refreshLimit > 0;
-  // The thread has a writer of its own: two threads may not share one.
-  if (!isLimited) startUserInputThread(newStdOutWriter());
+  const auto threadWriter = newStdOutWriter();
+  if (!isLimited) startUserInputThread(threadWriter.get());
   const long sleepTime = config_->refreshRate * kMillisecondsPerSecond;
   const orv::String prompt = isLimited ? messages_->getResStr("INFO_EXIT_W_LIMIT")
                                        : messages_->getResStr("INFO_EXIT") + " ";
@@ -40,7 +40,11 @@ void MonitorProcessor::processMonitorRequestsUntilStopped(bool json) {
     if (config_->consoleOutput) printPromptAndProgress(*writer, prompt, count);
     if (!s_stopRequested) incrementalSleep(sleepTime);
   }
-  if (orv::stopSignalCame() || s_closingLineLost) writer->println(messages_->getResStr("MSG_EXIT"));
+  if (orv::stopSignalCame()) {
+    writer->println(messages_->getResStr("MSG_EXIT"));
+  } else {
+    threadWriter->flush();  // a closing line that the thread could not write: this fails in order
+  }
 }
 
 void MonitorProcessor::refresh(bool json) {

@@ -1,11 +1,11 @@
 #include "monitor/MonitorProcessor.h"
 
 #include "monitor/JsonFrame.h"
+#include "orv/Process.h"
 #include "output/Logger.h"
 #include "util/Utils.h"
 
 std::atomic<bool> s_stopRequested{false};
-std::atomic<bool> s_closingLineLost{false};
 const orv::String s_notAvailable("n/a");
 
 MonitorProcessor::MonitorProcessor(const ConfigData* config, bool json)
@@ -25,6 +25,7 @@ void MonitorProcessor::startMonitoring(bool runOnce, bool json) {
   printConfiguration(json);
   engine_ = orv::makeOwned<VXAMonitorHelper>();
   engine_->connect(config_->server, config_->user, config_->password);
+  orv::installStopSignals(s_stopRequested);
   engineType_ = engine_->getEngineType();
   writeRunStart(json);
   if (runOnce) {
@@ -34,8 +35,15 @@ void MonitorProcessor::startMonitoring(bool runOnce, bool json) {
   } else {
     processMonitorRequestsUntilStopped(json);
   }
-  if (json) put("}");
+  if (json) closeDocument();
   output_->close();
+}
+
+void MonitorProcessor::closeDocument() {
+  // The console comes first: when a later output fails, the console has its "}".
+  if (config_->consoleOutput) completeJsonDocument();
+  put("}");
+  completeJsonDocument();
 }
 
 void MonitorProcessor::createOutputFormatter() {

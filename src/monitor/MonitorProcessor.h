@@ -17,10 +17,6 @@
 // stop signal or by the timed loop at its limit; never reset: a process runs one monitoring run.
 extern std::atomic<bool> s_stopRequested;
 
-// The keyboard thread could not write its closing line. The main thread, which can end the run in
-// order, then writes it again and fails for it.
-extern std::atomic<bool> s_closingLineLost;
-
 // What stands for a value that is not available or not known.
 extern const orv::String s_notAvailable;
 
@@ -38,7 +34,8 @@ class MonitorProcessor {
   // Disconnects from the engine.
   virtual ~MonitorProcessor();
 
-  // The whole run; `json` as given to the constructor.
+  // The whole run; `json` as given to the constructor. Until the engine is connected, a stop signal
+  // ends the process at once.
   void startMonitoring(bool runOnce, bool json);
 
   // One refresh: the enabled sections in their fixed order.
@@ -46,9 +43,10 @@ class MonitorProcessor {
   void processMonitorRequestsUntilStopped(bool json);
   void processMonitorRequestManually(bool json);
 
-  // Reads the keyboard on a thread of its own, which writes its closing line to `out` and is the
-  // only user of it. Throws orv::ResultException if the thread cannot be started.
-  void startUserInputThread(const orv::Reference<orv::io::PrintWriter>& out);
+  // Reads the keyboard on a thread of its own. The thread keeps `out` and writes its closing line
+  // to it before it sets s_stopRequested; until then nobody else may use `out`. Throws
+  // orv::ResultException if the thread cannot be started.
+  void startUserInputThread(orv::io::PrintWriter* out);
   static void* readUserInput(void* arguments);
   // Ends early, within one slice of three seconds, when a stop is requested.
   static void incrementalSleep(long milliseconds);
@@ -60,21 +58,21 @@ class MonitorProcessor {
   // `kind`: 0 a text, 1 a number, 2 a flag.
   void printConfigurationNV(const orv::String& name, const orv::String& value, bool json, int kind);
 
-  // Codes to words. What is not in a map is "n/a". The words live as long as the maps.
+  // Codes to words. What is not in a map is "n/a".
   void createMaps(bool json);
-  static const orv::String& getMapValue(const orv::Reference<orv::collections::IntegerHashMap>& map,
-                                        int code);
-  [[nodiscard]] const orv::String& getBooleanStateString(int code) const;
-  [[nodiscard]] const orv::String& getReadOnlyFlagString(int code) const;
-  [[nodiscard]] const orv::String& getTransactionLockString(int code) const;
-  [[nodiscard]] const orv::String& getRecordLocksString(int code) const;
-  [[nodiscard]] const orv::String& getOpenModeString(int code) const;
-  [[nodiscard]] const orv::String& getRecordLockTypeString(int code) const;
-  [[nodiscard]] const orv::String& getTransStateString(int code) const;
-  [[nodiscard]] const orv::String& getWaitStateString(int code) const;
-  [[nodiscard]] const orv::String& getSiteString(int code) const;
-  [[nodiscard]] const orv::String& getProtocolRequestString(int code) const;
-  [[nodiscard]] const orv::String& getProtocolSessionString(int code) const;
+  static orv::String getMapValue(const orv::Reference<orv::collections::IntegerHashMap>& map,
+                                 int code);
+  [[nodiscard]] orv::String getBooleanStateString(int code) const;
+  [[nodiscard]] orv::String getReadOnlyFlagString(int code) const;
+  [[nodiscard]] orv::String getTransactionLockString(int code) const;
+  [[nodiscard]] orv::String getRecordLocksString(int code) const;
+  [[nodiscard]] orv::String getOpenModeString(int code) const;
+  [[nodiscard]] orv::String getRecordLockTypeString(int code) const;
+  [[nodiscard]] orv::String getTransStateString(int code) const;
+  [[nodiscard]] orv::String getWaitStateString(int code) const;
+  [[nodiscard]] orv::String getSiteString(int code) const;
+  [[nodiscard]] orv::String getProtocolRequestString(int code) const;
+  [[nodiscard]] orv::String getProtocolSessionString(int code) const;
   static orv::String getStatusString(int status);
   // "unlimited" for 0.
   static orv::String getMaxValue(long maximum);
@@ -98,6 +96,7 @@ class MonitorProcessor {
   using IntegerMap = orv::Reference<orv::collections::IntegerHashMap>;
 
   void writeRunStart(bool json);
+  void closeDocument();
   void refresh(bool json);
   void printConfigurationMembers(bool json);
   void printPromptAndProgress(orv::io::PrintWriter& writer, const orv::String& prompt, int count);

@@ -18,10 +18,10 @@ constexpr useconds_t kStartDelayMicroseconds = 100'000;
 class MonitorProcessor::UserInputThreadArgs : public orv::Object {
  public:
   UserInputThreadArgs(orv::String exitText, orv::String inputErrorText,
-                      orv::Reference<orv::io::PrintWriter> writer, int limit)
+                      orv::io::PrintWriter* writer, int limit)
       : exitText_(std::move(exitText)),
         inputErrorText_(std::move(inputErrorText)),
-        writer_(std::move(writer)),
+        writer_(writer),
         limit_(limit) {}
 
   // Until "q", too many bad bytes, or a stop signal, which the main thread answers itself.
@@ -39,13 +39,14 @@ class MonitorProcessor::UserInputThreadArgs : public orv::Object {
   }
 
  private:
+  // Once the stop is requested, the main thread may use the writer.
   void stop(const orv::String& closingLine) {
-    s_stopRequested = true;
     try {
       writer_->println(closingLine);
     } catch (const orv::io::IoException&) {
-      s_closingLineLost = true;
+      // The line is still in the writer.
     }
+    s_stopRequested = true;
   }
 
   orv::String exitText_;
@@ -54,7 +55,7 @@ class MonitorProcessor::UserInputThreadArgs : public orv::Object {
   int limit_;
 };
 
-void MonitorProcessor::startUserInputThread(const orv::Reference<orv::io::PrintWriter>& out) {
+void MonitorProcessor::startUserInputThread(orv::io::PrintWriter* out) {
   const auto arguments = orv::makeReference<UserInputThreadArgs>(
       messages_->getResStr("MSG_EXIT"), messages_->getResStr("ERR_INTERACTIVE_INPUT"), out,
       config_->refreshLimit);

@@ -96,53 +96,51 @@ void MonitorProcessor::createMaps(bool json) {
   protocolSessionMap_ = mapOf(kProtocolSessions, json);
 }
 
-const orv::String& MonitorProcessor::getMapValue(
+orv::String MonitorProcessor::getMapValue(
     const orv::Reference<orv::collections::IntegerHashMap>& map, int code) {
   const orv::String* text = map->get(code);
   return text != nullptr ? *text : s_notAvailable;
 }
 
-const orv::String& MonitorProcessor::getBooleanStateString(int code) const {
+orv::String MonitorProcessor::getBooleanStateString(int code) const {
   return getMapValue(booleanStateMap_, code);
 }
 
-const orv::String& MonitorProcessor::getReadOnlyFlagString(int code) const {
+orv::String MonitorProcessor::getReadOnlyFlagString(int code) const {
   return getBooleanStateString(code);
 }
 
-const orv::String& MonitorProcessor::getTransactionLockString(int code) const {
+orv::String MonitorProcessor::getTransactionLockString(int code) const {
   return getBooleanStateString(code);
 }
 
-const orv::String& MonitorProcessor::getRecordLocksString(int code) const {
+orv::String MonitorProcessor::getRecordLocksString(int code) const {
   return getBooleanStateString(code);
 }
 
-const orv::String& MonitorProcessor::getOpenModeString(int code) const {
+orv::String MonitorProcessor::getOpenModeString(int code) const {
   return getMapValue(openModeMap_, code);
 }
 
-const orv::String& MonitorProcessor::getRecordLockTypeString(int code) const {
+orv::String MonitorProcessor::getRecordLockTypeString(int code) const {
   return getMapValue(recordLockTypeMap_, code);
 }
 
-const orv::String& MonitorProcessor::getTransStateString(int code) const {
+orv::String MonitorProcessor::getTransStateString(int code) const {
   return getMapValue(transStateMap_, code);
 }
 
-const orv::String& MonitorProcessor::getWaitStateString(int code) const {
+orv::String MonitorProcessor::getWaitStateString(int code) const {
   return getMapValue(waitStateMap_, code);
 }
 
-const orv::String& MonitorProcessor::getSiteString(int code) const {
-  return getMapValue(siteMap_, code);
-}
+orv::String MonitorProcessor::getSiteString(int code) const { return getMapValue(siteMap_, code); }
 
-const orv::String& MonitorProcessor::getProtocolRequestString(int code) const {
+orv::String MonitorProcessor::getProtocolRequestString(int code) const {
   return getMapValue(protocolRequestMap_, code);
 }
 
-const orv::String& MonitorProcessor::getProtocolSessionString(int code) const {
+orv::String MonitorProcessor::getProtocolSessionString(int code) const {
   return getMapValue(protocolSessionMap_, code);
 }
 

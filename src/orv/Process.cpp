@@ -1,6 +1,7 @@
 #include "orv/Process.h"
 
 #include <fcntl.h>
+#include <libintl.h>
 #include <malloc.h>
 #include <pthread.h>
 #include <signal.h>
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <clocale>
 #include <cstddef>
 #include <cstring>
 #include <string>
@@ -87,9 +89,16 @@ void keepStandardDescriptors() {
   }
 }
 
+void useMessageLanguage() noexcept {
+  std::setlocale(LC_MESSAGES, "");
+  bind_textdomain_codeset("libc", "UTF-8");
+}
+
 void installStopSignals(std::atomic<bool>& stopRequested) {
   s_flag = &stopRequested;
-  if (pipe2(s_wakePipe, O_CLOEXEC | O_NONBLOCK) != 0) throw ResultException(resultOfErrno(errno));
+  if (s_wakePipe[0] < 0 && pipe2(s_wakePipe, O_CLOEXEC | O_NONBLOCK) != 0) {
+    throw ResultException(resultOfErrno(errno));
+  }
   for (const int signal : kStopSignals) {
     struct sigaction action {};
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) continue;

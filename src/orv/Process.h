@@ -14,6 +14,10 @@ namespace orv {
 // reports would go into it. Throws ResultException.
 void keepStandardDescriptors();
 
+// From now on messages, the operating system's included, are in the language of the user's locale,
+// and the system's are in UTF-8. Nothing else of the locale is used.
+void useMessageLanguage() noexcept;
+
 // From now on SIGINT, SIGTERM and SIGHUP set `stopRequested` and wake a StdioInputStream that waits
 // for input; a second one ends the process at once. A signal that is ignored stays ignored. The
 // flag must live as long as the process. Throws ResultException if the system has no pipe left.

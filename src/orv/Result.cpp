@@ -13,6 +13,8 @@ Result resultOfErrno(int error) noexcept {
     case EPERM:
     case EROFS:
       return kAccessDenied;
+    case EIO:
+      return kInputOutputError;
     default:
       return static_cast<Result>(0x80070000U + static_cast<std::uint32_t>(error));
   }

@@ -1,5 +1,6 @@
 #include "output/Logger.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -37,6 +38,12 @@ orv::String withFolder(const orv::String& path) {
   }
 }
 
+orv::String withoutNul(const orv::String& path) {
+  std::wstring shown = path.wide();
+  std::replace(shown.begin(), shown.end(), L'\0', L'?');
+  return orv::String(std::move(shown));
+}
+
 }  // namespace
 
 Logger::Logger(const char* bundle, const char* prefix)
@@ -57,6 +64,8 @@ void Logger::close() {
 void Logger::addStdOutHandler() { addHandler(orv::makeReference<orv::io::StdioOutputStream>()); }
 
 void Logger::addFileHandler(const orv::String& path) {
+  // The system would take the part before a NUL byte for the name.
+  if (path.contains(L'\0')) throwError(orv::kFileNotFound, withoutNul(path));
   const orv::Result code = Utils::createDirs(path);
   if (code != 0) throwError(code, path);
   try {

@@ -10,8 +10,16 @@ namespace {
 
 constexpr std::size_t kWriterBufferSize = 2048;
 
+// Standard streams are named in the user's language.
+orv::String nameOf(const orv::String& target) {
+  if (target == orv::io::kStandardOutput) return s_msgHelper->getResStr("STANDARD_OUTPUT");
+  if (target == orv::io::kStandardError) return s_msgHelper->getResStr("STANDARD_ERROR");
+  return target;
+}
+
 orv::String writeErrorText(const orv::String& target, const orv::String& reason) {
-  return s_msgHelper->getResStr("ERR_WRITE_FILE") + " " + target + ": " + reason;
+  return s_msgHelper->getResStr("ERR_WRITE_FILE", nameOf(target).toBytes().c_str(),
+                                reason.toBytes().c_str());
 }
 
 }  // namespace

@@ -124,6 +124,7 @@ TEST_F(EngineConnection, RefusesCredentialsOf256BytesWithoutConnecting) {
       ADD_FAILURE() << "connected";
     } catch (const orv::Exception& failure) {
       EXPECT_EQ(failure.getDescription(), "too long");
+      EXPECT_NE(failure.getResult(), 0) << "an empty text must not make it a clean end";
     }
     EXPECT_EQ(engine().calls, (Calls{"TalStart(null)", "TalStop(null)"}));
   }

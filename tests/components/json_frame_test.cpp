@@ -74,6 +74,17 @@ TEST_F(JsonFrame, ARunThatFailedLeavesItsBraceToTheNextClosing) {
   EXPECT_EQ(printed(), "}\n");
 }
 
+TEST_F(JsonFrame, ADocumentThatTheRunHasClosedIsLeftAlone) {
+  handOver();
+  completeJsonDocument();
+  open();
+  close();
+  EXPECT_EQ(printed(), "");
+
+  close();
+  EXPECT_EQ(printed(), "}\n") << "the run has given it back";
+}
+
 TEST_F(JsonFrame, ClosesInEveryMode) {
   for (const int mode : {0, 1, 2, 3}) displayJSONHeader(true, 1, mode);
 

@@ -227,6 +227,14 @@ TEST_F(LoggerTest, PutsTheCurrentFolderBeforeABareNameThatCannotBeOpened) {
             "cannot create [" + (folder_ / "dangling").string() + "]: not there (0x80070002)");
 }
 
+TEST_F(LoggerTest, RefusesANameWithANulByte) {
+  const std::string name = (folder_ / "logs/run").string();
+
+  EXPECT_EQ(refusalOf(orv::String(name + std::string("\0.log", 5))),
+            "cannot create [" + name + "?.log]: not there (0x80070002)");
+  EXPECT_TRUE(std::filesystem::is_empty(folder_.path()));
+}
+
 TEST_F(LoggerTest, LeavesABareNameAloneWhereTheCurrentFolderIsGone) {
   std::filesystem::create_directory(folder_ / "gone");
   const CurrentFolder current(folder_ / "gone");

@@ -7,90 +7,104 @@
 
 namespace {
 
-using enum ArgumentKind;
+const MessageArgument kText = "text";
+const MessageArgument kFive = 5;
 
 struct Row {
   std::string text;
-  std::vector<ArgumentKind> arguments;
+  std::vector<MessageArgument> arguments;
+  std::string expected;
 };
 
-TEST(MessageFormat, ConversionsThatFindTheirArguments) {
+TEST(MessageFormat, FillsInConversionsThatHaveTheirArguments) {
   const Row rows[] = {
-      {"",                {}                      },
-      {"plain",           {}                      },
-      {"100%%",           {}                      },
-      {"%%%d%%",          {kInteger}              },
-      {"%s",              {kText}                 },
-      {"%10s",            {kText}                 },
-      {"%-10s",           {kText}                 },
-      {"%.3s",            {kText}                 },
-      {"%d",              {kInteger}              },
-      {"%i",              {kInteger}              },
-      {"%u",              {kInteger}              },
-      {"%o",              {kInteger}              },
-      {"%x",              {kInteger}              },
-      {"0x%08X",          {kInteger}              },
-      {"%+ -#05.3d",      {kInteger}              },
-      {"%2047d",          {kInteger}              },
-      {"%.2047d",         {kInteger}              },
-      {"\"%s\": %s (%X)", {kText, kText, kInteger}},
-      {"one of two: %s",  {kText, kInteger}       },
-      {"none of two",     {kText, kInteger}       },
+      {"",                      {},                                  ""                      },
+      {"100%%",                 {},                                  "100%"                  },
+      {"%%%d%%",                {kFive},                             "%5%"                   },
+      {"%s",                    {kText},                             "text"                  },
+      {"%6s|%-6s|%.2s|%4.1s|",  {kText, kText, kText, kText},        "  text|text  |te|   t|"},
+      {"%d %i %u",              {kFive, -5, -1},                     "5 -5 4294967295"       },
+      {"%o %x %X",              {8, 255, 255},                       "10 ff FF"              },
+      {"0x%08X",                {-2147024891},                       "0x80070005"            },
+      {"%+d|% d|%-3d|%03d|%#x", {kFive, kFive, kFive, kFive, kFive}, "+5| 5|5  |005|0x5"     },
+      {"%.3d|%5.3d",            {kFive, kFive},                      "005|  005"             },
+      {"%c%3c",                 {'a', 'b'},                          "a  b"                  },
+      {"%hd %hx %hhu",          {65537, 65551, 257},                 "1 f 1"                 },
+      {"%'d",                   {1234567},                           "1234567"               },
+      {"%2$s of %1$s",          {"one", "two"},                      "two of one"            },
+      {"%1$s %1$s %2$08X",      {kText, 255},                        "text text 000000FF"    },
+      {"%2$d",                  {kText, kFive},                      "5"                     },
+      {"%10$d",                 std::vector<MessageArgument>(10,     7),                       "7"},
+      {"one of two: %s",                       {kText, kFive},                                           "one of two: text"                              },
+      {"none of two",                       {kText, kFive},                                              "none of two"   },
   };
 
-  for (const Row& row : rows) EXPECT_TRUE(conversionsFit(row.text, row.arguments)) << row.text;
+  for (const Row& row : rows) EXPECT_EQ(fillIn(row.text, row.arguments), row.expected) << row.text;
 }
 
-TEST(MessageFormat, ConversionsThatCouldReadOrWriteAnywhere) {
+TEST(MessageFormat, RefusesConversionsThatCouldReadOrWriteAnywhere) {
   const Row rows[] = {
-      {"%s",                      {}                  },
-      {"%s %s",                   {kText}             },
-      {"%d %d",                   {kInteger}          },
-      {"%s",                      {kInteger}          },
-      {"%d",                      {kText}             },
-      {"%d %s",                   {kText, kInteger}   },
-      {"%n",                      {}                  },
-      {"%n",                      {kInteger}          },
-      {"%n",                      {kText}             },
-      {"%hhn",                    {kText}             },
-      {"%ls",                     {kText}             },
-      {"%S",                      {kText}             },
-      {"%hs",                     {kText}             },
-      {"%ld",                     {kInteger}          },
-      {"%lld",                    {kInteger}          },
-      {"%hhd",                    {kInteger}          },
-      {"%jd",                     {kInteger}          },
-      {"%zd",                     {kInteger}          },
-      {"%*d",                     {kInteger, kInteger}},
-      {"%.*d",                    {kInteger, kInteger}},
-      {"%.*s",                    {kInteger, kText}   },
-      {"%1$s",                    {kText}             },
-      {"%2$s",                    {kText, kText}      },
-      {"%c",                      {kInteger}          },
-      {"%f",                      {kInteger}          },
-      {"%p",                      {kText}             },
-      {"%m",                      {}                  },
-      {"%m",                      {kText}             },
-      {"%'d",                     {kInteger}          },
-      {"%5%",                     {kInteger}          },
-      {"%2048d",                  {kInteger}          },
-      {"%.2048d",                 {kInteger}          },
-      {"%999999999d",             {kInteger}          },
-      {"%2048.3d",                {kInteger}          },
-      {"%999999999s",             {kText}             },
-      {"%.999999999d",            {kInteger}          },
-      {"%99999999999999999999d",  {kInteger}          },
-      {"%.99999999999999999999d", {kInteger}          },
+      {"%s",                      {},             {}},
+      {"%s %s",                   {kText},        {}},
+      {"%d %d",                   {kFive},        {}},
+      {"%s",                      {kFive},        {}},
+      {"%d",                      {kText},        {}},
+      {"%c",                      {kText},        {}},
+      {"%d %s",                   {kText, kFive}, {}},
+      {"%n",                      {kText, kFive}, {}},
+      {"%n",                      {kFive, kText}, {}},
+      {"%hhn",                    {kFive},        {}},
+      {"%1$n",                    {kFive},        {}},
+      {"%ls",                     {kText},        {}},
+      {"%S",                      {kText},        {}},
+      {"%hs",                     {kText},        {}},
+      {"%ld",                     {kFive},        {}},
+      {"%lld",                    {kFive},        {}},
+      {"%hhhd",                   {kFive},        {}},
+      {"%hc",                     {kFive},        {}},
+      {"%jd",                     {kFive},        {}},
+      {"%zd",                     {kFive},        {}},
+      {"%*d",                     {kFive, kFive}, {}},
+      {"%.*d",                    {kFive, kFive}, {}},
+      {"%.*s",                    {kFive, kText}, {}},
+      {"%*1$d",                   {kFive},        {}},
+      {"%0$d",                    {kFive},        {}},
+      {"%2$s",                    {kText},        {}},
+      {"%99999999999999999999$d", {kFive},        {}},
+      {"%1$s %s",                 {kText, kText}, {}},
+      {"%s %1$s",                 {kText, kText}, {}},
+      {"%f",                      {kFive},        {}},
+      {"%p",                      {kText},        {}},
+      {"%m",                      {},             {}},
+      {"%5%",                     {kFive},        {}},
+      {"%",                       {kFive},        {}},
+      {"100%",                    {kFive},        {}},
+      {"%%%",                     {kFive},        {}},
+      {"%-",                      {kFive},        {}},
+      {"%08",                     {kFive},        {}},
+      {"%5.",                     {kFive},        {}},
+      {"%1$",                     {kFive},        {}},
   };
 
-  for (const Row& row : rows) EXPECT_FALSE(conversionsFit(row.text, row.arguments)) << row.text;
+  for (const Row& row : rows) EXPECT_FALSE(fillIn(row.text, row.arguments)) << row.text;
 }
 
-TEST(MessageFormat, APercentSignThatBeginsNothing) {
-  for (const std::string text : {"%", "100%", "%%%", "%-", "%08", "%.", "%5."}) {
-    EXPECT_FALSE(conversionsFit(text, {})) << text;
-    EXPECT_FALSE(conversionsFit(text, std::vector{kInteger})) << text;
-    EXPECT_FALSE(conversionsFit(text, std::vector{kText})) << text;
+// What lies beyond the longest result is not made, but the part within it is that of the whole.
+TEST(MessageFormat, PadsBeyondTheLongestResult) {
+  const std::string blanks(2047, ' ');
+  const std::string zeros(2047, '0');
+  for (const std::string width : {"2047", "3000", "2147483647", "99999999999999999999"}) {
+    const auto start = [](const std::string& text, const MessageArgument& argument) {
+      return fillIn(text, std::vector{argument}).value_or("refused").substr(0, 2047);
+    };
+    EXPECT_EQ(start("%-" + width + "s|", kText), "text" + blanks.substr(4)) << width;
+    EXPECT_EQ(start("%-" + width + "d|", kFive), "5" + blanks.substr(1)) << width;
+    EXPECT_EQ(start("%." + width + "s", kText), "text") << width;
+    if (width == "2047") continue;
+    EXPECT_EQ(start("%" + width + "s", kText), blanks) << width;
+    EXPECT_EQ(start("%" + width + "d", kFive), blanks) << width;
+    EXPECT_EQ(start("%." + width + "d", kFive), zeros) << width;
+    EXPECT_EQ(start("%" + width + ".2047d", kFive).substr(0, 900), blanks.substr(0, 900)) << width;
   }
 }
 

@@ -1,8 +1,11 @@
 // A whole run: what it asks of the engine and writes around its sections.
 #include <algorithm>
 
+#include "app/Failures.h"
 #include "engine/VXAMonitorHelper.h"
+#include "monitor/JsonFrame.h"
 #include "orv/Exception.h"
+#include "output/ProcessWide.h"
 #include "tests/components/engine_test.h"
 #include "tests/components/recorded_sleep.h"
 #include "tests/components/redirected_streams.h"
@@ -167,6 +170,23 @@ TEST_F(MonitorRun, BothOutputsGetTheSameLines) {
 
   EXPECT_FALSE(output.text().empty());
   EXPECT_EQ(output.text(), testing_support::readFile(folder / "log"));
+}
+
+// As when the log's file system reports a lost write only at the closing.
+TEST_F(MonitorRun, AFailureBehindTheDocumentAddsNoBrace) {
+  const testing_support::TemporaryFolder folder;
+  config_.fileOutput = true;
+  config_.logFileName = orv::String((folder / "log").string());
+  for (const bool consoleOutput : {true, false}) {
+    config_.consoleOutput = consoleOutput;
+    displayJSONHeader(true, 0, 1);
+    runOnce(true);
+    m_JSON = true;
+
+    reportDescription("lost at the closing");
+
+    EXPECT_EQ(printed(), "") << consoleOutput;
+  }
 }
 
 TEST_F(MonitorRun, ALogFileThatCannotBeCreatedEndsItBeforeTheEngineIsAsked) {

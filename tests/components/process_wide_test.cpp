@@ -53,5 +53,19 @@ TEST_F(ProcessWide, AFailedWriteNamesTheFileAndTheReason) {
   }
 }
 
+TEST_F(ProcessWide, AFailedWriteNamesAStandardStreamInTheUsersLanguage) {
+  const auto textFor = [](const char* target) {
+    try {
+      orv::io::writeFully(-1, "x", target);
+    } catch (const orv::io::IoException& failure) {
+      return failure.getDescription();
+    }
+    return orv::String("nothing was thrown");
+  };
+
+  EXPECT_EQ(textFor(orv::io::kStandardOutput), "incomplete: the console: Bad file descriptor");
+  EXPECT_EQ(textFor(orv::io::kStandardError), "incomplete: the error output: Bad file descriptor");
+}
+
 }  // namespace
 }  // namespace component_tests

@@ -9,7 +9,7 @@ namespace component_tests {
 namespace {
 
 using Words = std::map<int, std::string>;
-using Translator = const orv::String& (MonitorProcessor::*)(int) const;
+using Translator = orv::String (MonitorProcessor::*)(int) const;
 
 constexpr bool kText = false;
 constexpr bool kJson = true;

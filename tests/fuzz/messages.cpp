@@ -19,15 +19,13 @@ using orv::i18n::StringBundle;
 constexpr std::size_t kLongestText = 1023;
 constexpr std::size_t kLongestResult = 2047;
 
-constexpr auto kText = ArgumentKind::kText;
-constexpr auto kInteger = ArgumentKind::kInteger;
-
 class Folder {
  public:
   Folder() { StringBundle::setFolder(orv::String(folder_.path().string())); }
 
   void put(std::string_view bundle) const {
     testing_support::writeFile(folder_ / "ZELK.properties", bundle);
+    StringBundle::setFolder(orv::String(folder_.path().string()));  // is read again
   }
 
  private:
@@ -46,19 +44,18 @@ std::string unformatted(const StringBundle& bundle, const char* key) {
 }
 
 void requireFormatted(const std::string& text, const orv::String& result,
-                      std::span<const ArgumentKind> kinds) {
+                      std::span<const MessageArgument> values) {
   const std::string bytes = result.toBytes();
   require(bytes.size() <= kLongestResult, "a message has its limit");
-  const bool isPlain = text.find('%') == std::string::npos || !conversionsFit(text, kinds);
+  const bool isPlain = text.find('%') == std::string::npos || !fillIn(text, values);
   require(text.empty() || !isPlain || bytes == text, "what cannot be formatted is shown as it is");
 }
 
 template <class... Arguments>
 void format(const StringBundle& bundle, const char* key, Arguments... arguments) {
-  const std::array<ArgumentKind, sizeof...(Arguments)> kinds{
-      (std::is_same_v<Arguments, int> ? kInteger : kText)...};
+  const std::array<MessageArgument, sizeof...(Arguments)> values{arguments...};
   const MessageHelper messages("ZELK", "ZELK_");
-  requireFormatted(unformatted(bundle, key), messages.getResStr(key, arguments...), kinds);
+  requireFormatted(unformatted(bundle, key), messages.getResStr(key, arguments...), values);
 }
 
 }  // namespace

@@ -311,6 +311,16 @@ TEST_F(Configuration, RefusesCredentialsThatAreTooLong) {
   }
 }
 
+TEST_F(Configuration, RefusesAnEndlessFile) {
+  for (const std::string file : {"/dev/zero", "/dev/urandom"}) {
+    const Result result = run(place_.command({"-f", file, "-runonce"}));
+
+    EXPECT_EQ(result.error,
+              "The configuration file is larger than 4 MiB. Is it a configuration file?\n");
+    EXPECT_EQ(result.ending, Ending::exit(1));
+  }
+}
+
 TEST_F(Configuration, TakesCredentialsOf255Bytes) {
   const std::string longest(255, 'x');
   place_.configure({

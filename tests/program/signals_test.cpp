@@ -46,6 +46,15 @@ bool allSignalsAreDelivered(pid_t process) {
   return true;
 }
 
+// True if the process waits for something in the kernel.
+bool isAsleep(pid_t process) {
+  std::ifstream status("/proc/" + std::to_string(process) + "/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("State:")) return line.find("S (sleeping)") != std::string::npos;
+  }
+  return false;
+}
+
 class Signals : public ::testing::TestWithParam<int> {
  protected:
   void SetUp() override {
@@ -189,6 +198,35 @@ TEST_P(Signals, StayIgnoredIfTheyWereAtTheStart) {
 
   EXPECT_EQ(process.wait(), Ending::exit(0));
   EXPECT_PRED_FORMAT2(sameText, log_ + kIdleResources, place_.maskedFile("monitor.log"));
+}
+
+// What the program waits for before its run may never come.
+TEST_P(Signals, EndTheProcessAtOnceBeforeTheEngineIsConnected) {
+  ASSERT_EQ(mkfifo((place_ / "fifo").c_str(), 0600), 0);
+  const std::string fifo = (place_ / "fifo").string();
+  const auto expectKilled = [this](const std::vector<std::string>& arguments) {
+    Command waiting = command();
+    waiting.arguments = arguments;
+    Process process(waiting);
+    process.waitForOutput("developers");  // the banner is printed before the file is opened
+    process.waitUntil([&] { return isAsleep(process.id()); }, "the wait");
+
+    process.sendSignal(GetParam());
+
+    EXPECT_EQ(process.wait(), Ending::killedBy(GetParam()));
+  };
+
+  expectKilled({"-f", fifo});
+
+  place_.configure({
+      {"OUTP", "FILE"},
+      {"NAME", fifo  }
+  });
+  expectKilled({"-f", "zelk.cfg"});
+
+  configure("0", "0");
+  place_.setEngine("pause\tTalConnectServer\t1\t" + fifo + "\n");
+  expectKilled({"-f", "zelk.cfg"});
 }
 
 std::string signalName(const ::testing::TestParamInfo<int>& info) {

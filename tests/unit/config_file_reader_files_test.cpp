@@ -85,7 +85,7 @@ TEST(ConfigFileReaderFiles, PassesFailuresToReadThrough) {
   const ConfigurationFolder folder;
 
   // Opens, but has nothing at its start to read.
-  EXPECT_EQ(outcome(folder, "/proc/self/mem"), "ResultException: " + std::to_string(EIO));
+  EXPECT_EQ(outcome(folder, "/proc/self/mem"), "ResultException: " + std::to_string(0x45D));
 }
 
 TEST(ConfigFileReaderFiles, OpensNothingBeforeItReads) {
@@ -113,8 +113,9 @@ TEST(ConfigFileReaderFiles, FindsNothingInAnEmptyFile) {
   EXPECT_EQ(outcome(ConfigurationFolder(), "/dev/null"), "ConfigException: missing SERV");
 }
 
-TEST(ConfigFileReaderFiles, RefusesALineWithoutAnEnd) {
-  EXPECT_EQ(outcome(ConfigurationFolder(), "/dev/zero"), "ConfigException: line too long");
+TEST(ConfigFileReaderFiles, RefusesAFileWithoutAnEnd) {
+  EXPECT_EQ(outcome(ConfigurationFolder(), "/dev/zero"), "ConfigException: file too large");
+  EXPECT_EQ(outcome(ConfigurationFolder(), "/dev/urandom"), "ConfigException: file too large");
 }
 
 TEST(ConfigFileReaderFiles, RefusesALineThatIsTooLong) {

@@ -67,6 +67,7 @@ class ConfigurationFolder {
                   "ZELK_FILE_NOT_FOUND_ERROR=not found\n"
                   "ZELK_ACCESS_ERROR=refused\n"
                   "ZELK_ERR_LINE_TOO_LONG=line too long\n"
+                  "ZELK_ERR_FILE_TOO_LARGE=file too large\n"
                   "ZELK_ERR_MISSING_TAG=missing %s\n"
                   "ZELK_ERR_MISSING_TAG_VALUE=no value for %s\n");
   }

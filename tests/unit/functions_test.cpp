@@ -176,6 +176,7 @@ TEST(Result, NamesTheKnownReasonsAndCarriesTheOthers) {
       {EACCES,       0x80070005U},
       {EPERM,        0x80070005U},
       {EROFS,        0x80070005U},
+      {EIO,          0x8007045DU}, // 5 would read as a refused access
       {EISDIR,       0x80070015U},
       {ENOSPC,       0x8007001CU},
       {ENAMETOOLONG, 0x80070024U},

@@ -44,6 +44,8 @@ class RecordingOutputStream : public orv::io::OutputStream {
     writes_.emplace_back(bytes);
   }
   void close() noexcept override { ++closings_; }
+  // From now on writes succeed.
+  void recover() { failFrom_ = kNever; }
 
   [[nodiscard]] const std::vector<std::string>& writes() const { return writes_; }
   [[nodiscard]] int closings() const { return closings_; }

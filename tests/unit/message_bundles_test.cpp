@@ -16,8 +16,10 @@
 
 namespace {
 
-using enum ArgumentKind;
 using Keys = std::set<std::string>;
+
+const MessageArgument kText = "text";
+const MessageArgument kInteger = 5;
 
 const std::filesystem::path kRoot = ZELK_SOURCE_DIR;
 const std::vector<std::string> kLanguages = {"", "_de"};
@@ -26,7 +28,7 @@ const std::vector<std::string> kLanguages = {"", "_de"};
 constexpr std::size_t kLongestText = 1023;
 
 // What each key of the program is called with.
-const std::map<std::string, std::vector<ArgumentKind>> kArguments = {
+const std::map<std::string, std::vector<MessageArgument>> kArguments = {
     {"NAME",                     {kText}                 },
     {"COPYRIGHT",                {}                      },
     {"USAGE",                    {}                      },
@@ -35,10 +37,13 @@ const std::map<std::string, std::vector<ArgumentKind>> kArguments = {
     {"ACCESS_ERROR",             {}                      },
     {"ERR_READ_FILE",            {kText, kText, kInteger}},
     {"ERR_CREATE_FILE",          {kText, kText, kInteger}},
-    {"ERR_WRITE_FILE",           {}                      },
+    {"ERR_WRITE_FILE",           {kText, kText}          },
+    {"STANDARD_OUTPUT",          {}                      },
+    {"STANDARD_ERROR",           {}                      },
     {"ERR_MISSING_TAG",          {kText}                 },
     {"ERR_MISSING_TAG_VALUE",    {kText}                 },
     {"ERR_LINE_TOO_LONG",        {}                      },
+    {"ERR_FILE_TOO_LARGE",       {}                      },
     {"ERR_CREDENTIALS_TOO_LONG", {}                      },
     {"HDR_USR_CONFIG",           {}                      },
     {"HDR_END_CFG",              {}                      },
@@ -152,15 +157,15 @@ std::string textOf(const std::filesystem::path& file, const std::string& key) {
 }
 
 void expectConversions(const std::filesystem::path& file, const std::string& key,
-                       std::span<const ArgumentKind> arguments) {
+                       std::span<const MessageArgument> arguments) {
   const std::string text = textOf(file, key);
 
   EXPECT_NE(text, "") << key;
   EXPECT_LE(text.size(), kLongestText) << key;
   EXPECT_EQ(text.find_first_of("\n\t"), std::string::npos) << key;
-  EXPECT_TRUE(conversionsFit(text, arguments)) << key << ": " << text;
+  EXPECT_TRUE(fillIn(text, arguments)) << key << ": " << text;
   if (!arguments.empty()) {
-    EXPECT_FALSE(conversionsFit(text, arguments.first(arguments.size() - 1)))
+    EXPECT_FALSE(fillIn(text, arguments.first(arguments.size() - 1)))
         << key << " leaves an argument out: " << text;
   }
 }

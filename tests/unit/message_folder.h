@@ -30,6 +30,7 @@ class MessageFolder {
   // Puts a file such as "ZELK_de.properties" into it.
   void add(const std::string& name, std::string_view bytes) const {
     writeFile(folder_ / name, bytes);
+    orv::i18n::StringBundle::setFolder(orv::String(folder_.path().string()));  // is read again
   }
 
   [[nodiscard]] std::filesystem::path operator/(const std::string& name) const {

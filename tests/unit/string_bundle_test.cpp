@@ -1,6 +1,7 @@
 #include "orv/i18n/StringBundle.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <clocale>
 #include <filesystem>
@@ -186,27 +187,49 @@ TEST(StringBundle, TakesAFolderForNoFile) {
   EXPECT_THROW(StringBundle::getBundle("B", "C"), orv::ResultException);
 }
 
-TEST(StringBundle, StopsAtALineWithoutAnEnd) {
+TEST(StringBundle, ReadsOnlyRegularFiles) {
   const MessageFolder folder;
-  std::filesystem::create_symlink("/dev/zero", folder / "B.properties");
+  std::filesystem::create_symlink("/dev/zero", folder / "Device.properties");
+  ASSERT_EQ(mkfifo((folder / "Pipe.properties").c_str(), 0600), 0);
 
-  const auto bundle = StringBundle::getBundle("B", "C");
-
-  EXPECT_THROW(static_cast<void>(bundle->getString("k")), orv::ResultException);
+  for (const char* name : {"Device", "Pipe"}) {
+    EXPECT_THROW(StringBundle::getBundle(name, "C"), orv::ResultException) << name;
+  }
 }
 
-TEST(StringBundle, KeepsTheTextsBeforeALineThatIsTooLong) {
-  const std::string tooLong = "long=" + std::string(70000, 'x');
+TEST(StringBundle, ReadsLinesOfAnyLength) {
+  const std::string longText(100000, 'x');
 
-  EXPECT_EQ(textIn("k=t\n" + tooLong + "\n"), "t");
+  EXPECT_EQ(textIn("long=" + longText + "\n# " + longText + "\nk=t\n"), "t");
+  EXPECT_EQ(textIn("k=" + longText + "\\\n" + longText), String(longText + longText));
 }
 
-TEST(StringBundle, ReadsNoMoreThanAMillionCharacters) {
-  std::string file;
-  while (file.size() <= (1U << 20U)) file += "other=" + std::string(1000, 'x') + "\n";
+TEST(StringBundle, ReadsFilesUpTo64MiB) {
+  constexpr std::size_t kLargest = 64U << 20U;
+  const auto textInFileOf = [](std::size_t size) {
+    const MessageFolder folder;
+    folder.add("B.properties", "k=t\n#");
+    std::filesystem::resize_file(folder / "B.properties", size);
+    try {
+      return StringBundle::getBundle("B", "C")->getString("k");
+    } catch (const orv::ResultException&) {
+      return String("(no text)");
+    }
+  };
 
-  EXPECT_EQ(textIn("k=t\n" + file), "t");
-  EXPECT_EQ(textIn(file + "k=t\n"), "(no text)");
+  EXPECT_EQ(textInFileOf(kLargest), "t");
+  EXPECT_EQ(textInFileOf(kLargest + 1), "(no text)");
+}
+
+TEST(StringBundle, IsReadOnceForEachLanguage) {
+  const MessageFolder folder;
+  folder.add("B.properties", "k=any\n");
+  folder.add("B_de.properties", "k=de\n");
+  const auto first = StringBundle::getBundle("B", "de_AT");
+  std::filesystem::remove(folder / "B_de.properties");
+
+  EXPECT_EQ(StringBundle::getBundle("B", "de_AT").get(), first.get());
+  EXPECT_EQ(StringBundle::getBundle("B", "C")->getString("k"), "any");
 }
 
 // Takes minutes if each piece is joined by looking at all pieces before it.

@@ -9,9 +9,6 @@ namespace orv::i18n {
 namespace {
 
 constexpr std::size_t kBufferSize = 2048;
-// A file of texts has a few thousand characters. What lies beyond this is not read, so that a file
-// without an end cannot keep the program.
-constexpr std::size_t kMaximumCharacters = 1U << 20U;
 constexpr int kTypicalTexts = 101;
 constexpr float kLoadFactor = 0.75F;
 constexpr wchar_t kReplacement = L'?';
@@ -86,19 +83,19 @@ bool endsInContinuation(const std::wstring& text) {
   return backslashes % 2 == 1;
 }
 
-// The lines of a file as it has them, less blanks before and a carriage return after each. What
-// follows a line that is too long is not read: its rest may have no end.
+// The lines of a file as it has them, less blanks before and a carriage return after each.
 class PhysicalLines {
  public:
   explicit PhysicalLines(const String& path)
-      : reader_(makeReference<io::InputStreamReader>(makeReference<io::FileInputStream>(path),
-                                                     kBufferSize)) {}
+      : reader_(makeReference<io::InputStreamReader>(
+                    makeReference<io::FileInputStream>(path, io::FileInputStream::kLargestFile,
+                                                       io::FileInputStream::kRegularFile),
+                    kBufferSize),
+                io::FileInputStream::kLargestFile) {}
 
   bool next(std::wstring& line) {
     String text;
-    if (characters_ > kMaximumCharacters || reader_.isLineCut()) return false;
     if (!reader_.readLine(text)) return false;
-    characters_ += text.length() + 1;
     line = withoutLeadingBlanks(text.wide());
     if (line.ends_with(L'\r')) line.pop_back();
     return true;
@@ -106,7 +103,6 @@ class PhysicalLines {
 
  private:
   io::BufferedReader reader_;
-  std::size_t characters_ = 0;
 };
 
 void putText(const std::wstring& line, collections::StringHashMap& texts) {

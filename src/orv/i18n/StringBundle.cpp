@@ -1,6 +1,7 @@
 #include "orv/i18n/StringBundle.h"
 
 #include <clocale>
+#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,6 +15,14 @@ namespace {
 String& folder() {
   static String s_folder = util::FilePath::getProgramDir() + "/../share/zelk/messages";
   return s_folder;
+}
+
+using NameAndLanguage = std::pair<std::string, std::string>;
+
+// What this thread has read: each thread keeps its own, so that none needs a lock.
+std::map<NameAndLanguage, Reference<StringBundle>>& readBundles() {
+  thread_local std::map<NameAndLanguage, Reference<StringBundle>> s_bundles;
+  return s_bundles;
 }
 
 // Only what can be part of a language's name: a locale comes from outside and becomes a file name.
@@ -44,8 +53,15 @@ std::vector<std::string> suffixesFor(std::string language) {
 }  // namespace
 
 Reference<StringBundle> StringBundle::getBundle(const String& name, const char* locale) {
+  const std::string language = languageOf(locale);
+  Reference<StringBundle>& kept = readBundles()[{name.toBytes(), language}];
+  if (!kept) kept = read(name, language);
+  return kept;
+}
+
+Reference<StringBundle> StringBundle::read(const String& name, const std::string& language) {
   auto bundle = makeReference<StringBundle>();
-  for (const std::string& suffix : suffixesFor(languageOf(locale))) {
+  for (const std::string& suffix : suffixesFor(language)) {
     try {
       const String path = folder() + "/" + name + suffix.c_str() + ".properties";
       bundle->files_.push_back(readProperties(path));
@@ -64,6 +80,9 @@ String StringBundle::getString(const String& key) const {
   throw ResultException(kFileNotFound);
 }
 
-void StringBundle::setFolder(String newFolder) { folder() = std::move(newFolder); }
+void StringBundle::setFolder(String newFolder) {
+  folder() = std::move(newFolder);
+  readBundles().clear();
+}
 
 }  // namespace orv::i18n

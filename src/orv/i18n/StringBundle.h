@@ -1,6 +1,7 @@
 // Texts by key, in the user's language.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "orv/Collections.h"
@@ -13,22 +14,26 @@ namespace orv::i18n {
 // of the message folder, asked in this order, key by key.
 class StringBundle : public Object {
  public:
-  // Opens the bundle for a language such as "de_AT"; null stands for the language of the process's
-  // locale for messages. Throws ResultException if none of the files can be read.
+  // The bundle for a language such as "de_AT"; null stands for the language of the process's locale
+  // for messages. Each thread reads a bundle once. Throws ResultException if none of the files can
+  // be read.
   static Reference<StringBundle> getBundle(const String& name, const char* locale);
 
   // Throws ResultException if no file has the key.
   [[nodiscard]] String getString(const String& key) const;
 
-  // Where the files are, without a delimiter at the end; until it is set,
-  // ../share/zelk/messages beside the folder of the running program.
+  // Where the files are, without a delimiter at the end, instead of ../share/zelk/messages, seen
+  // from the folder of the running program. This thread reads its bundles again.
   static void setFolder(String folder);
 
  private:
+  static Reference<StringBundle> read(const String& name, const std::string& language);
+
   std::vector<Reference<collections::StringHashMap>> files_;
 };
 
-// Reads one file of texts: lines of key=text, UTF-8. Throws ResultException if it cannot be read.
+// Reads one file of texts: lines of key=text, UTF-8. Throws ResultException if it is no regular
+// file or cannot be read.
 Reference<collections::StringHashMap> readProperties(const String& path);
 
 }  // namespace orv::i18n

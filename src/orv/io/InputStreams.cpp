@@ -17,8 +17,9 @@ namespace orv::io {
 
 namespace {
 
-int openForReading(const String& path) {
-  const int descriptor = ::open(path.toBytes().c_str(), O_RDONLY | O_CLOEXEC);
+int openForReading(const String& path, FileInputStream::Kind kind) {
+  const int flags = O_RDONLY | O_CLOEXEC | (kind == FileInputStream::kRegularFile ? O_NONBLOCK : 0);
+  const int descriptor = ::open(path.toBytes().c_str(), flags);
   if (descriptor < 0) throw ResultException(resultOfErrno(errno));
   return descriptor;
 }
@@ -43,15 +44,19 @@ int InputStream::read() {
   return read(&byte, 1) == 1 ? static_cast<unsigned char>(byte) : -1;
 }
 
-FileInputStream::FileInputStream(const String& path) : file_(openForReading(path)) {
+FileInputStream::FileInputStream(const String& path, std::size_t largest, Kind kind)
+    : file_(openForReading(path, kind)), bytesLeft_(largest) {
   struct stat status {};
-  if (fstat(file_.get(), &status) == 0 && S_ISDIR(status.st_mode)) {
-    throw ResultException(resultOfErrno(EISDIR));
-  }
+  if (fstat(file_.get(), &status) != 0) throw ResultException(resultOfErrno(errno));
+  if (S_ISDIR(status.st_mode)) throw ResultException(resultOfErrno(EISDIR));
+  if (kind == kRegularFile && !S_ISREG(status.st_mode)) throw ResultException(kAccessDenied);
 }
 
 std::size_t FileInputStream::read(char* buffer, std::size_t size) {
-  return readSome(file_.get(), buffer, size);
+  const std::size_t count = readSome(file_.get(), buffer, size);
+  if (count > bytesLeft_) throw ResultException(kFileTooLarge);
+  bytesLeft_ -= count;
+  return count;
 }
 
 std::size_t StdioInputStream::read(char* buffer, std::size_t size) {

@@ -18,16 +18,25 @@ class InputStream : public Object {
   int read();
 };
 
+// A file that gives more than `largest` bytes, as a device may do without end, cannot be read to
+// its end: reading on throws ResultException with kFileTooLarge.
 class FileInputStream : public InputStream {
  public:
-  // Throws ResultException if the path cannot be opened or is a folder.
-  explicit FileInputStream(const String& path);
+  static constexpr std::size_t kLargestFile = 64U << 20U;
+
+  // kRegularFile refuses pipes and devices, and does not wait for a pipe's writer.
+  enum Kind { kAnyFile, kRegularFile };
+
+  // Throws ResultException if the path cannot be opened, is a folder or is refused.
+  explicit FileInputStream(const String& path, std::size_t largest = kLargestFile,
+                           Kind kind = kAnyFile);
 
   using InputStream::read;
   std::size_t read(char* buffer, std::size_t size) override;
 
  private:
   FileDescriptor file_;
+  std::size_t bytesLeft_;
 };
 
 // Nothing is read ahead. A standard input that is closed or cannot be read is at its end.

@@ -34,13 +34,13 @@ void FileOutputStream::close() {
   if (error != 0) throwWriteError(path_, error);
 }
 
-StdioOutputStream::StdioOutputStream() : StdioOutputStream(STDOUT_FILENO, "standard output") {}
+StdioOutputStream::StdioOutputStream() : StdioOutputStream(STDOUT_FILENO, kStandardOutput) {}
 
 StdioOutputStream::StdioOutputStream(int descriptor, const char* name)
     : descriptor_(descriptor), name_(name) {}
 
 Reference<StdioOutputStream> StdioOutputStream::getStdErrorStream() {
-  return makeReference<StdioOutputStream>(STDERR_FILENO, "standard error");
+  return makeReference<StdioOutputStream>(STDERR_FILENO, kStandardError);
 }
 
 void StdioOutputStream::write(std::string_view bytes) { writeFully(descriptor_, bytes, name_); }

@@ -18,6 +18,10 @@ class OutputStream : public Object {
   virtual void close() = 0;
 };
 
+// The names that the standard streams have as the target of a WriteErrorText.
+inline constexpr const char* kStandardOutput = "standard output";
+inline constexpr const char* kStandardError = "standard error";
+
 // What a failed write is called: `target` is the file's path or the stream's name, `reason` the
 // system's own words.
 using WriteErrorText = String (*)(const String& target, const String& reason);

@@ -34,14 +34,15 @@ void InputStreamReader::read(std::wstring& text) {
   }
 }
 
-BufferedReader::BufferedReader(Reference<InputStreamReader> reader) : reader_(std::move(reader)) {}
+BufferedReader::BufferedReader(Reference<InputStreamReader> reader, std::size_t longestLine)
+    : reader_(std::move(reader)), longestLine_(longestLine) {}
 
 bool BufferedReader::readLine(String& line) {
   if (isLineCut_) skipRestOfLine();
   if (!fill()) return false;
   std::wstring text;
   while (fill()) {
-    const std::size_t room = kMaximumLineLength - text.size();
+    const std::size_t room = longestLine_ - text.size();
     const std::size_t end = std::min(buffer_.find(L'\n', next_), buffer_.size());
     const std::size_t count = std::min(end - next_, room);
     text.append(buffer_, next_, count);
@@ -50,7 +51,7 @@ bool BufferedReader::readLine(String& line) {
       ++next_;
       break;
     }
-    if (text.size() == kMaximumLineLength) {
+    if (text.size() == longestLine_) {
       isLineCut_ = fill() && buffer_[next_] != L'\n';
       if (!isLineCut_) ++next_;
       break;
@@ -61,16 +62,14 @@ bool BufferedReader::readLine(String& line) {
 }
 
 bool BufferedReader::restOfLineHas(wchar_t character) {
-  std::size_t skipped = 0;
-  while (isLineCut_ && skipped <= kMaximumSkip && fill()) {
+  while (isLineCut_ && fill()) {
     const std::size_t end = buffer_.find(L'\n', next_);
     const std::wstring_view part = std::wstring_view(buffer_).substr(next_, end - next_);
     if (part.find(character) != std::wstring_view::npos) return true;
-    skipped += part.size();
     next_ = end == std::wstring::npos ? buffer_.size() : end + 1;
     isLineCut_ = end == std::wstring::npos && fill();
   }
-  return isLineCut_;
+  return false;
 }
 
 bool BufferedReader::fill() {

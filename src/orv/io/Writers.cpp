@@ -70,7 +70,8 @@ void OutputStreamWriter::write(wchar_t character) {
 }
 
 void OutputStreamWriter::flush() {
-  if (used_ > 0) stream_->write(std::string_view(buffer_.get(), std::exchange(used_, 0)));
+  if (used_ > 0) stream_->write(std::string_view(buffer_.get(), used_));
+  used_ = 0;
 }
 
 void PrintWriter::println(const String& text) {

@@ -12,7 +12,8 @@
 namespace orv::io {
 
 // Encodes text in the default encoding into a buffer and hands it to the stream when the buffer is
-// full or flushed. What is buffered when a write fails, or when the writer is destroyed, is lost.
+// full or flushed. When a write fails, the buffer stays: the next flush tries again. What is
+// buffered when the writer is destroyed is lost.
 class OutputStreamWriter : public Object {
  public:
   // `bufferSize` in characters, at least 1.
