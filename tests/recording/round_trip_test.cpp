@@ -1,0 +1,135 @@
+// What zelk prints of a replay is what it printed of the engine: every situation of the expected
+// outputs that simulates an engine, and some scenarios made by chance.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/program/program_under_test.h"
+#include "tests/recording/random_moment.h"
+#include "tests/support/masking.h"
+#include "tests/support/process.h"
+#include "tests/support/temporary_folder.h"
+
+namespace companions::record {
+namespace {
+
+using testing_support::Command;
+using testing_support::Ending;
+using testing_support::Input;
+using testing_support::readFile;
+using testing_support::Result;
+using testing_support::writeFile;
+
+constexpr const char* kOriginal = "sim:scenario.toml";
+constexpr const char* kReplay = "replay:r.ndjson";
+
+std::string replacedAll(std::string text, const std::string& part, const std::string& by) {
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at)) {
+    text.replace(at, part.size(), by);
+    at += by.size();
+  }
+  return text;
+}
+
+class RoundTrip : public testing::Test {
+ protected:
+  [[nodiscard]] Command command(const std::filesystem::path& program,
+                                std::vector<std::string> arguments) const {
+    Command command{.program = program, .arguments = std::move(arguments)};
+    command.folder = folder_.path();
+    command.environment = program_tests::plainEnvironment();
+    return command;
+  }
+
+  // Everything that zelk leaves, times apart.
+  [[nodiscard]] std::string leavings(const std::vector<std::string>& arguments,
+                                     const std::string& keys) const {
+    std::filesystem::remove(folder_ / "monitor.log");
+    Command zelk = command(program_tests::builtProgram(), arguments);
+    zelk.input = Input::text(keys);
+    const Result result = testing_support::run(zelk);
+    const bool hasLog = std::filesystem::exists(folder_ / "monitor.log");
+    return testing_support::maskTimes(result.output) + "\n--\n" + result.error + "\n--\n" +
+           std::to_string(result.ending.status.value_or(-1)) + "\n--\n" +
+           (hasLog ? testing_support::maskTimes(readFile(folder_ / "monitor.log")) : "");
+  }
+
+  // Records so many refreshes of the configuration's engine.
+  bool record(std::size_t refreshes) const {
+    std::filesystem::remove(folder_ / "r.ndjson");
+    const Result result = testing_support::run(command(
+        ZELK_RECORD_BINARY,
+        {"-f", "zelk.cfg", "-i", "0.1", "-n", std::to_string(refreshes), "-o", "r.ndjson"}));
+    return result.ending == Ending::exit(0);
+  }
+
+  // Compares both, with the text form and with JSON.
+  void compare(const std::vector<std::string>& arguments, const std::string& keys,
+               const std::string& situation) {
+    const std::string original = readFile(folder_ / "zelk.cfg");
+    for (const bool json : {false, true}) {
+      std::vector<std::string> all = arguments;
+      if (json) all.emplace_back("-JSON");
+      writeFile(folder_ / "zelk.cfg", original);
+      const std::string expected = leavings(all, keys);
+      writeFile(folder_ / "zelk.cfg", replacedAll(original, kOriginal, kReplay));
+      EXPECT_EQ(replacedAll(leavings(all, keys), kReplay, kOriginal), expected) << situation;
+      ++compared_;
+    }
+    writeFile(folder_ / "zelk.cfg", original);
+  }
+
+  std::size_t compared_ = 0;
+  testing_support::TemporaryFolder folder_;
+};
+
+std::vector<std::string> linesOf(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+TEST_F(RoundTrip, PrintsEveryExpectedOutputAgain) {
+  for (const auto& entry : std::filesystem::directory_iterator(GOLDEN_FOLDER)) {
+    if (!std::filesystem::exists(entry.path() / "scenario.toml")) continue;
+    if (!std::filesystem::exists(entry.path() / "zelk.cfg")) continue;
+    const auto overwrite = std::filesystem::copy_options::overwrite_existing;
+    for (const char* const name : {"scenario.toml", "zelk.cfg"}) {
+      std::filesystem::copy_file(entry.path() / name, folder_ / name, overwrite);
+    }
+    const bool hasKeys = std::filesystem::exists(entry.path() / "stdin");
+    const std::string keys = hasKeys ? readFile(entry.path() / "stdin") : "";
+    const auto refreshes = static_cast<std::size_t>(std::count(keys.begin(), keys.end(), 'r')) + 1;
+    if (record(refreshes)) {
+      compare(linesOf(readFile(entry.path() / "args")), keys, entry.path().filename().string());
+    }
+  }
+  EXPECT_GT(compared_, 100U);
+}
+
+TEST_F(RoundTrip, PrintsScenariosMadeByChanceAgain) {
+  recording_tests::Random random(6);
+  for (int round = 0; round < ROUND_TRIPS; ++round) {
+    std::vector<tal::recording::Moment> moments(1 + random() % 2);
+    for (auto& moment : moments) moment = recording_tests::randomMoment(random);
+    writeFile(folder_ / "scenario.toml", recording_tests::scenarioOf(moments, random));
+    std::string keys;
+    for (std::size_t refresh = 1; refresh < moments.size(); ++refresh) keys += "r\n";
+    std::string settings = std::string("SERV=") + kOriginal +
+                           "\nUSER=\nPASS=\nREFR=0\nLIMI=0\nOUTP=CONSOLE\nNAME=\nHAND=YES\n";
+    for (const char* const key : {"FILE", "SESS", "CONN", "RESO", "COMM"}) {
+      settings.append(key).append(random() % 5 == 0 ? "=NO\n" : "=YES\n");
+    }
+    writeFile(folder_ / "zelk.cfg", settings);
+
+    if (record(moments.size())) compare({"-f", "zelk.cfg"}, keys + "q\n", std::to_string(round));
+  }
+}
+
+}  // namespace
+}  // namespace companions::record
