@@ -7,22 +7,22 @@
 
 namespace tal::postgresql {
 
-// Bytes of one answer, with its notices, on the network. The rows take a few times as much.
-inline constexpr std::uint64_t kAnswerLimit = 64ULL << 20U;
-
-// Counts what arrives from its making on. A socket of this machine does not tell how much arrived:
-// there the deadline alone ends an answer.
+// Counts what arrives for one answer, with its notices, from its making on.
 class AnswerLimit {
  public:
   // The connection must outlive the limit.
   explicit AnswerLimit(const PGconn* connection);
 
-  // Throws Failure(kServerError) when more has arrived than one answer may have.
-  void check() const;
+  // To be called before each read: throws Failure(kAnswerTooLarge) when more has arrived than
+  // sql::kMostBytes. A socket of this machine shows only what waits to be read, so that what
+  // arrives during a read is not counted there.
+  void check();
 
  private:
   const PGconn* connection_;
-  std::uint64_t before_;
+  bool isTcp_;
+  std::uint64_t before_;    // bytes on the TCP connection before this answer
+  std::uint64_t seen_ = 0;  // bytes of this answer on a socket of this machine
 };
 
 }  // namespace tal::postgresql

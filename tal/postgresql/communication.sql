@@ -1,8 +1,12 @@
 -- zelk: communication statistics.
-SELECT d.requests, d.abandoned, d.fatal, d.killed, a.tcp, a.backends,
-       current_setting('max_connections')::int AS max_conn, current_setting('max_wal_senders')::int AS max_senders
-FROM (SELECT sum(xact_commit + xact_rollback)::bigint AS requests, sum(sessions_abandoned)::bigint AS abandoned,
-             sum(sessions_fatal)::bigint AS fatal, sum(sessions_killed)::bigint AS killed
-      FROM pg_stat_database) d,
-     (SELECT count(*) FILTER (WHERE client_addr IS NOT NULL) AS tcp, count(*) AS backends
-      FROM pg_stat_activity WHERE backend_type IN ('client backend','walsender')) a
+SELECT total.transactions, total.abandoned, session.remote, session.served,
+       pg_catalog.current_setting('max_connections') AS connections_maximum,
+       pg_catalog.current_setting('max_wal_senders') AS senders_maximum
+FROM (SELECT pg_catalog.sum(d.xact_commit + d.xact_rollback)::bigint AS transactions,
+             pg_catalog.sum(d.sessions_abandoned)::bigint AS abandoned
+      FROM pg_catalog.pg_stat_database d) total
+     CROSS JOIN
+     (SELECT pg_catalog.count(*) FILTER (WHERE a.client_addr IS NOT NULL) AS remote,
+             pg_catalog.count(*) AS served
+      FROM pg_catalog.pg_stat_activity a
+      WHERE a.backend_type IN ('client backend', 'walsender')) session

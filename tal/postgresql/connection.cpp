@@ -5,6 +5,7 @@
 #include "tal/failure.h"
 #include "tal/postgresql/answer_limit.h"
 #include "tal/postgresql/errors.h"
+#include "tal/sql/limits.h"
 #include "tal/sql/wait.h"
 
 namespace tal::postgresql {
@@ -21,17 +22,17 @@ bool isCopy(const PGresult* result) {
   return status == PGRES_COPY_IN || status == PGRES_COPY_OUT || status == PGRES_COPY_BOTH;
 }
 
-}  // namespace
-
-bool ResultRows::next() { return ++row_ < PQntuples(result_.get()); }
-
-std::optional<std::string_view> ResultRows::cell(std::size_t column) const {
-  const auto count = static_cast<std::size_t>(PQnfields(result_.get()));
-  const int number = static_cast<int>(column);
-  if (column >= count || PQgetisnull(result_.get(), row_, number) == 1) return {};
-  return std::string_view(PQgetvalue(result_.get(), row_, number),
-                          static_cast<std::size_t>(PQgetlength(result_.get(), row_, number)));
+// An answer of other columns, or of too many rows, is not decoded at all.
+void checkShape(const PGresult* result, const Statement& statement) {
+  if (static_cast<std::size_t>(PQnfields(result)) != statement.columns) {
+    throw Failure(Status::kServerError);
+  }
+  if (static_cast<std::size_t>(PQntuples(result)) > sql::kMostRows) {
+    throw Failure(Status::kAnswerTooLarge);
+  }
 }
+
+}  // namespace
 
 Connection::Connection(ConnectionHandle session)
     : session_(std::move(session)), serverVersion_(PQserverVersion(session_.get())) {
@@ -39,12 +40,14 @@ Connection::Connection(ConnectionHandle session)
   PQsetnonblocking(session_.get(), 1);
 }
 
-ResultRows Connection::run(const Statement& statement, const sql::Deadline& deadline) {
+Result Connection::run(const Statement& statement, const sql::Deadline& deadline) {
   if (!session_) throw Failure(Status::kConnectionLost);
   const sql::Deadline limit = deadline.within(sql::kStatementLimit);
   try {
     if (!prepared_.contains(statement.name)) prepare(statement, limit);
-    return ResultRows(execute(statement, limit));
+    ResultHandle result = execute(statement, limit);
+    checkShape(result.get(), statement);
+    return Result(std::move(result));
   } catch (const Failure& failure) {
     // What is left of an answer would be taken for the next one.
     const bool isAnswered = PQtransactionStatus(session_.get()) == PQTRANS_IDLE;
@@ -54,7 +57,8 @@ ResultRows Connection::run(const Statement& statement, const sql::Deadline& dead
 }
 
 void Connection::prepare(const Statement& statement, const sql::Deadline& deadline) {
-  const int sent = PQsendPrepare(session_.get(), statement.name, statement.text, 0, nullptr);
+  const int sent =
+      PQsendPrepare(session_.get(), statement.name, statement.text.c_str(), 0, nullptr);
   collect(sent == 1, deadline);
   prepared_.insert(statement.name);
 }
@@ -68,7 +72,7 @@ ResultHandle Connection::execute(const Statement& statement, const sql::Deadline
 // The first error is the server's own; those that follow it tell only that the session is gone.
 ResultHandle Connection::collect(bool sent, const sql::Deadline& deadline) {
   if (!sent) throw Failure(reasonOf(nullptr));
-  const AnswerLimit limit(session_.get());
+  AnswerLimit limit(session_.get());
   flush(deadline, limit);
 
   ResultHandle kept;
@@ -81,22 +85,22 @@ ResultHandle Connection::collect(bool sent, const sql::Deadline& deadline) {
   return kept;
 }
 
-void Connection::flush(const sql::Deadline& deadline, const AnswerLimit& limit) {
+void Connection::flush(const sql::Deadline& deadline, AnswerLimit& limit) {
   for (;;) {
     const int pending = PQflush(session_.get());
     // A failed sending shows its reason when the answer is read.
     if (pending <= 0) return;
     sql::waitForSocket(PQsocket(session_.get()), POLLIN | POLLOUT, deadline);
-    if (PQconsumeInput(session_.get()) == 0) return;
     limit.check();
+    if (PQconsumeInput(session_.get()) == 0) return;
   }
 }
 
-ResultHandle Connection::nextResult(const sql::Deadline& deadline, const AnswerLimit& limit) {
+ResultHandle Connection::nextResult(const sql::Deadline& deadline, AnswerLimit& limit) {
   while (PQisBusy(session_.get()) == 1) {
     sql::waitForSocket(PQsocket(session_.get()), POLLIN, deadline);
-    if (PQconsumeInput(session_.get()) == 0) break;
     limit.check();
+    if (PQconsumeInput(session_.get()) == 0) break;
   }
   return ResultHandle(PQgetResult(session_.get()));
 }

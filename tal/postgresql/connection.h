@@ -1,34 +1,16 @@
 // One session on a server, and statements in it.
 #pragma once
 
-#include <cstddef>
-#include <optional>
 #include <set>
 #include <string>
-#include <string_view>
-#include <utility>
 
 #include "tal/postgresql/answer_limit.h"
-#include "tal/postgresql/handles.h"
+#include "tal/postgresql/result.h"
 #include "tal/postgresql/statements.h"
 #include "tal/sql/deadline.h"
-#include "tal/sql/row.h"
 #include "tal/status.h"
 
 namespace tal::postgresql {
-
-// The rows of one result.
-class ResultRows : public sql::RowSource {
- public:
-  explicit ResultRows(ResultHandle result) : result_(std::move(result)) {}
-
-  bool next() override;
-  [[nodiscard]] std::optional<std::string_view> cell(std::size_t column) const override;
-
- private:
-  ResultHandle result_;
-  int row_ = -1;
-};
 
 // Runs statements on a session that is logged in. Not for use by several threads at once.
 class Connection {
@@ -42,17 +24,18 @@ class Connection {
   [[nodiscard]] bool isOpen() const { return session_ != nullptr; }
 
   // Runs a statement, preparing it when it is new here; waits no longer than kStatementLimit and
-  // `deadline`. Throws Failure with the first error of the server, kNoAnswer, or kServerError for
-  // an answer above kAnswerLimit. When no complete answer came, and after kConnectionLost, the
-  // session is closed and every further call throws kConnectionLost.
-  ResultRows run(const Statement& statement, const sql::Deadline& deadline);
+  // `deadline`. Throws Failure: the first error of the server, kNoAnswer, kAnswerTooLarge, or
+  // kServerError for an answer with other columns than the statement's. When no complete answer
+  // came, and after kConnectionLost, the session is closed and every further call throws
+  // kConnectionLost.
+  Result run(const Statement& statement, const sql::Deadline& deadline);
 
  private:
   void prepare(const Statement& statement, const sql::Deadline& deadline);
   ResultHandle execute(const Statement& statement, const sql::Deadline& deadline);
   ResultHandle collect(bool sent, const sql::Deadline& deadline);
-  void flush(const sql::Deadline& deadline, const AnswerLimit& limit);
-  ResultHandle nextResult(const sql::Deadline& deadline, const AnswerLimit& limit);
+  void flush(const sql::Deadline& deadline, AnswerLimit& limit);
+  ResultHandle nextResult(const sql::Deadline& deadline, AnswerLimit& limit);
   [[nodiscard]] Status reasonOf(const PGresult* result) const;
 
   ConnectionHandle session_;

@@ -4,51 +4,89 @@
 #include <sys/socket.h>
 #include <sys/types.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <new>
+#include <string>
 #include <string_view>
+#include <utility>
 
 #include "tal/failure.h"
 #include "tal/postgresql/answer_limit.h"
 #include "tal/postgresql/environment.h"
 #include "tal/postgresql/errors.h"
+#include "tal/postgresql/login_gate.h"
+#include "tal/sql/explained_failure.h"
 #include "tal/sql/wait.h"
+#include "tal/text.h"
 
 namespace tal::postgresql {
 namespace {
+
+constexpr char kNothing = '\0';
+constexpr char kAgreed = 'S';
+constexpr char kDeclined = 'N';
+constexpr char kError = 'E';
 
 void dropNotice(void* /*argument*/, const char* /*text*/) {}
 
 // How far a login had come when its last step began.
 struct Progress {
   ConnStatusType phase;
-  bool leftInTls;  // the server closed the connection while encryption was being agreed on
+  char next;     // the next byte from the server, kNothing before the socket is connected
+  bool hasLeft;  // the server has closed the connection
 };
 
-// Looks at the socket in that one phase only: while it is still being connected, reading from it
-// would take away the error that the client library has to see.
+// While the socket is still being connected, reading from it would take away the error that the
+// client library has to see.
 Progress progressOf(const PGconn* connection) {
   const ConnStatusType phase = PQstatus(connection);
-  if (phase != CONNECTION_SSL_STARTUP) return {phase, false};
+  if (phase == CONNECTION_STARTED || phase == CONNECTION_MADE) return {phase, kNothing, false};
 
-  char byte = 0;
+  char byte = kNothing;
   const ssize_t count = ::recv(PQsocket(connection), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
-  return {phase, count == 0 || (count < 0 && errno == ECONNRESET)};
+  return {phase, byte, count == 0 || (count < 0 && errno == ECONNRESET)};
+}
+
+bool isAskedForTls(const Progress& progress) { return progress.phase == CONNECTION_SSL_STARTUP; }
+
+// The server's first byte says whether it encrypts. An error comes from one that has no room.
+void checkAnswerToTls(const Progress& progress) {
+  constexpr char kKnown[] = {kNothing, kAgreed, kDeclined, kError};
+  if (std::ranges::find(kKnown, progress.next) == std::end(kKnown)) {
+    throw Failure(Status::kOtherProtocol);
+  }
+}
+
+// The client library's own words, in the user's language: host, port and the system's reason.
+std::string explanationIn(const PGconn* connection) {
+  const std::string_view all = PQerrorMessage(connection);
+  std::string line(all.substr(0, all.find('\n')));
+  std::ranges::replace_if(
+      line, [](char byte) { return isControl(byte); }, '?');
+  return line;
 }
 
 // Failures that the server did not explain carry nothing but a text, so the progress must tell them
 // apart.
-Status reasonOf(const PGconn* connection, const Progress& progress, bool requireTls) {
+[[noreturn]] void failLogin(const PGconn* connection, const Progress& progress,
+                            const Target& target) {
   const std::string_view sqlState = sqlStateIn(PQerrorMessage(connection));
-  if (!sqlState.empty()) return statusOf(sqlState);
-  if (PQconnectionNeedsPassword(connection) == 1) return Status::kPasswordMissing;
-  if (progress.phase == CONNECTION_STARTED) return Status::kCannotReach;
-  const bool inTls = progress.phase == CONNECTION_SSL_STARTUP && requireTls;
-  return inTls && !progress.leftInTls ? Status::kTlsFailed : Status::kConnectionLost;
+  if (!sqlState.empty()) throw Failure(statusOf(sqlState));
+  if (PQconnectionNeedsPassword(connection) == 1) throw Failure(Status::kPasswordMissing);
+  if (progress.phase == CONNECTION_STARTED) {
+    throw sql::ExplainedFailure(Status::kCannotReach, explanationIn(connection));
+  }
+  if (progress.hasLeft) throw Failure(Status::kConnectionLost);
+  if (isAskedForTls(progress)) {
+    throw sql::ExplainedFailure(Status::kTlsFailed, explanationIn(connection));
+  }
+  throw Failure(target.bindsPassword ? Status::kUnsafeLogin : Status::kConnectionLost);
 }
 
-// Any step may be the one that sends the session's settings.
+// The steps up to the first message to the server may send the session's settings.
 PostgresPollingStatusType poll(PGconn* connection) {
+  if (PQstatus(connection) == CONNECTION_AWAITING_RESPONSE) return PQconnectPoll(connection);
   const WithoutSessionVariables guard;
   return PQconnectPoll(connection);
 }
@@ -58,29 +96,76 @@ ConnectionHandle startConnecting(const Target& target) {
   if (!connection) throw std::bad_alloc();
   PQsetErrorVerbosity(connection.get(), PQERRORS_SQLSTATE);
   PQsetNoticeProcessor(connection.get(), &dropNotice, nullptr);
-  if (PQstatus(connection.get()) == CONNECTION_BAD) throw Failure(Status::kCannotReach);
+  if (PQstatus(connection.get()) == CONNECTION_BAD) {
+    throw sql::ExplainedFailure(Status::kCannotReach, explanationIn(connection.get()));
+  }
   return connection;
 }
 
+// The steps of one login.
+class Attempt {
+ public:
+  Attempt(const Target& target, bool isGated, sql::SocketCutter& cutter,
+          const sql::Deadline& deadline)
+      : target_(target),
+        isGated_(isGated),
+        cutter_(cutter),
+        deadline_(deadline),
+        connection_(startConnecting(target)),
+        limit_(connection_.get()) {}
+
+  std::optional<ConnectionHandle> run() {
+    while (next_ != PGRES_POLLING_OK) {
+      await();
+      const Progress progress = progressOf(connection_.get());
+      if (isAnswerToTls(progress)) {
+        checkAnswerToTls(progress);
+        if (progress.next == kDeclined) return std::nullopt;
+      }
+      next_ = poll(connection_.get());
+      if (next_ == PGRES_POLLING_FAILED) failLogin(connection_.get(), progress, target_);
+    }
+    if (gate_) gate_->leave();
+    return std::move(connection_);
+  }
+
+ private:
+  // True once: the handshake follows in the same phase.
+  bool isAnswerToTls(const Progress& progress) {
+    if (!isAskedForTls(progress)) return false;
+    return !std::exchange(isTlsAnswered_, true);
+  }
+
+  void await() {
+    const bool isAnswerDue = PQstatus(connection_.get()) == CONNECTION_AWAITING_RESPONSE;
+    if (isGated_ && isAnswerDue && !gate_) gate_.emplace(connection_.get());
+    if (gate_) {
+      if (next_ == PGRES_POLLING_READING) gate_->exchange(deadline_);
+      return;
+    }
+    cutter_.watch(PQsocket(connection_.get()));
+    const short event = next_ == PGRES_POLLING_READING ? POLLIN : POLLOUT;
+    sql::waitForSocket(PQsocket(connection_.get()), event, deadline_);
+    limit_.check();
+  }
+
+  const Target& target_;
+  bool isGated_;
+  sql::SocketCutter& cutter_;
+  const sql::Deadline& deadline_;
+  ConnectionHandle connection_;
+  AnswerLimit limit_;
+  std::optional<LoginGate> gate_;
+  bool isTlsAnswered_ = false;
+  PostgresPollingStatusType next_ = PGRES_POLLING_WRITING;
+};
+
 }  // namespace
 
-ConnectionHandle connectTo(const Target& target, sql::SocketCutter& cutter,
-                           const sql::Deadline& deadline) {
-  ConnectionHandle connection = startConnecting(target);
-  const AnswerLimit limit(connection.get());
-  PostgresPollingStatusType next = PGRES_POLLING_WRITING;
-  while (next != PGRES_POLLING_OK) {
-    const short event = next == PGRES_POLLING_READING ? POLLIN : POLLOUT;
-    cutter.watch(PQsocket(connection.get()));
-    sql::waitForSocket(PQsocket(connection.get()), event, deadline);
-    const Progress progress = progressOf(connection.get());
-    next = poll(connection.get());
-    limit.check();
-    if (next == PGRES_POLLING_FAILED) {
-      throw Failure(reasonOf(connection.get(), progress, target.requireTls));
-    }
-  }
-  return connection;
+std::optional<ConnectionHandle> tryLogin(const Target& target, Asking asking,
+                                         sql::SocketCutter& cutter, const sql::Deadline& deadline) {
+  const bool isGated = target.encryption == Encryption::kNone && asking == Asking::kSafely;
+  return Attempt(target, isGated, cutter, deadline).run();
 }
 
 }  // namespace tal::postgresql

@@ -1,16 +1,25 @@
 // One attempt to log in at one address.
 #pragma once
 
-#include "tal/postgresql/handles.h"
-#include "tal/postgresql/parameters.h"
+#include <optional>
+
+#include "tal/postgresql/login_options.h"
+#include "tal/postgresql/result.h"
 #include "tal/sql/deadline.h"
 #include "tal/sql/socket_cutter.h"
 
 namespace tal::postgresql {
 
-// Logs in to `target`. Notices of the server are dropped. Throws Failure with the reason, kNoAnswer
-// when `deadline` passes.
-ConnectionHandle connectTo(const Target& target, sql::SocketCutter& cutter,
-                           const sql::Deadline& deadline);
+// What an attempt may do with the password.
+enum class Asking : std::uint8_t {
+  kSafely,  // only what keeps it from the server
+  kAnyhow,
+};
+
+// Logs in to `target`; nothing when it is to be encrypted and the server offers no encryption.
+// Notices of the server are dropped. Throws Failure with the reason, kNoAnswer when `deadline`
+// passes.
+std::optional<ConnectionHandle> tryLogin(const Target& target, Asking asking,
+                                         sql::SocketCutter& cutter, const sql::Deadline& deadline);
 
 }  // namespace tal::postgresql

@@ -1,17 +1,19 @@
 #include "tal/postgresql/postgresql.h"
 
 #include "tal/failure.h"
-#include "tal/postgresql/clients.h"
-#include "tal/postgresql/communication.h"
 #include "tal/postgresql/connection.h"
 #include "tal/postgresql/location.h"
 #include "tal/postgresql/login.h"
-#include "tal/postgresql/open_files.h"
-#include "tal/postgresql/sql_connections.h"
+#include "tal/postgresql/login_options.h"
+#include "tal/postgresql/read_clients.h"
+#include "tal/postgresql/read_communication.h"
+#include "tal/postgresql/read_files.h"
+#include "tal/postgresql/read_sql_connections.h"
+#include "tal/postgresql/read_usage.h"
 #include "tal/postgresql/statements.h"
-#include "tal/postgresql/usage.h"
 #include "tal/sql/bounded_engine.h"
 #include "tal/sql/deadline.h"
+#include "tal/sql/explained_failure.h"
 
 namespace tal::postgresql {
 namespace {
@@ -30,53 +32,52 @@ class PostgresqlEngine : public Engine {
   }
 
   Usage usage() override {
-    ResultRows rows = run({"zelk_usage", kUsage});
+    Result rows = run(usageStatement());
     return usage_.read(rows);
   }
 
   Communication communication() override {
-    ResultRows rows = run({"zelk_communication", kCommunication});
+    Result rows = run(communicationStatement());
     return communication_.read(rows);
   }
 
   std::vector<OpenFile> openFiles() override {
-    ResultRows rows = runOpenFiles();
-    return readOpenFiles(rows);
+    Result rows = runFiles();
+    return readFiles(rows);
   }
 
   std::vector<Client> clients() override {
-    ResultRows rows = run({"zelk_clients", kClients});
+    Result rows = run(clientsStatement());
     return readClients(rows);
   }
 
   std::vector<SqlConnection> sqlConnections() override {
-    ResultRows rows = run({"zelk_sql_connections", kSqlConnections});
+    Result rows = run(sqlConnectionsStatement());
     return readSqlConnections(rows);
   }
 
  private:
-  ResultRows run(const Statement& statement) {
+  Result run(const Statement& statement) {
     return connection_.run(statement, sql::Deadline(sql::kCallLimit));
   }
 
   // A relation may be locked away between the reading of the locks and the asking for its size,
   // which then waits for lock_timeout. The second statement locks no relation of a user.
-  ResultRows runOpenFiles() {
+  Result runFiles() {
     const sql::Deadline deadline(sql::kCallLimit);
     try {
-      return connection_.run({"zelk_open_files", kOpenFiles}, deadline);
+      return connection_.run(filesStatement(), deadline);
     } catch (const Failure& failure) {
       if (failure.status() != Status::kCatalogLocked) throw;
     }
-    return runEstimatedOpenFiles(deadline);
+    return runFilesWithEstimatedSizes(deadline);
   }
 
   // Only locks on the catalog are left to wait for. When the server itself gave up waiting, it
   // answered, and the session is in order.
-  ResultRows runEstimatedOpenFiles(const sql::Deadline& deadline) {
+  Result runFilesWithEstimatedSizes(const sql::Deadline& deadline) {
     try {
-      return connection_.run({"zelk_open_files_estimated", openFilesWithEstimatedSizes().c_str()},
-                             deadline);
+      return connection_.run(filesWithEstimatedSizesStatement(), deadline);
     } catch (const Failure& failure) {
       const bool gaveUp = failure.status() == Status::kNoAnswer && connection_.isOpen();
       if (gaveUp) throw Failure(Status::kCatalogLocked);
@@ -90,9 +91,26 @@ class PostgresqlEngine : public Engine {
 };
 
 // Without the privilege nothing fails, but the figures are wrong: other users' sessions are hidden.
-void checkPrivileges(Connection& connection, const sql::Deadline& deadline) {
-  ResultRows rows = connection.run({"zelk_privileges", kPrivileges}, deadline);
-  if (!rows.next() || sql::text(rows, 0) != "t") throw Failure(Status::kPrivilegeMissing);
+void checkPrivilege(const sql::RowSource& row) {
+  if (isTrue(row, 0)) return;
+  throw sql::ExplainedFailure(Status::kPrivilegeMissing, "GRANT pg_read_all_stats TO ...");
+}
+
+// A pooler may drop what was asked for at login; a user's function could then take the place of one
+// of the system's.
+void checkSettings(const sql::RowSource& row) {
+  for (std::size_t i = 0; i < kSettings.size(); ++i) {
+    if (row.cell(i + 1) != kSettings[i].shown) {
+      throw sql::ExplainedFailure(Status::kSettingsRefused, kSettings[i].name);
+    }
+  }
+}
+
+void checkAccount(Connection& connection, const sql::Deadline& deadline) {
+  Result rows = connection.run(accountStatement(), deadline);
+  if (!rows.next()) throw Failure(Status::kServerError);
+  checkPrivilege(rows);
+  checkSettings(rows);
 }
 
 std::unique_ptr<Engine> openUnbounded(const Location& location, const Credentials& credentials,
@@ -100,7 +118,7 @@ std::unique_ptr<Engine> openUnbounded(const Location& location, const Credential
   const sql::Deadline deadline(sql::kCallLimit);
   Connection connection(login(location, credentials, cutter, deadline.within(sql::kConnectLimit)));
   if (connection.serverVersion() < kOldestVersion) throw Failure(Status::kVersionNotSupported);
-  checkPrivileges(connection, deadline);
+  checkAccount(connection, deadline);
   return std::make_unique<PostgresqlEngine>(std::move(connection));
 }
 

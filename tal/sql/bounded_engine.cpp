@@ -1,5 +1,8 @@
 #include "tal/sql/bounded_engine.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <string>
@@ -127,13 +130,27 @@ class BoundedEngine final : public Engine {
   Worker worker_;
 };
 
+// A report may be a document that the line would break.
+bool goesIntoTheReport() {
+  struct stat output {};
+  struct stat error {};
+  if (::fstat(STDOUT_FILENO, &output) != 0 || ::fstat(STDERR_FILENO, &error) != 0) return false;
+  const bool isSame = output.st_dev == error.st_dev && output.st_ino == error.st_ino;
+  return isSame && ::isatty(STDERR_FILENO) == 0;
+}
+
+void tell(const std::string& explanation) {
+  if (goesIntoTheReport()) return;
+  std::fprintf(stderr, "libtal: %s\n", explanation.c_str());
+}
+
 }  // namespace
 
 std::unique_ptr<Engine> openBounded(OpenUnbounded open, std::chrono::milliseconds limit) {
   try {
     return std::make_unique<BoundedEngine>(std::move(open), limit);
   } catch (const ExplainedFailure& failure) {
-    std::fprintf(stderr, "libtal: %s\n", failure.explanation().c_str());
+    tell(failure.explanation());
     throw;
   }
 }

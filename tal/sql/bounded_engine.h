@@ -26,7 +26,8 @@ using OpenUnbounded = std::function<std::unique_ptr<Engine>(SocketCutter&)>;
 // - No text has a quotation mark or a backslash: "?" stands there. A user of the server could
 //   otherwise break or forge a report in JSON.
 //
-// Throws what `open` throws; the text of an ExplainedFailure goes to standard error.
+// Throws what `open` throws; the text of an ExplainedFailure goes to standard error, unless that is
+// the file or pipe of standard output, where a report may be.
 std::unique_ptr<Engine> openBounded(OpenUnbounded open,
                                     std::chrono::milliseconds limit = kCallLimit);
 

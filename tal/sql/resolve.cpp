@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "tal/failure.h"
+#include "tal/sql/explained_failure.h"
 #include "tal/sql/signals_blocked.h"
 
 namespace tal::sql {
@@ -24,13 +25,18 @@ std::string numericText(const addrinfo& entry) {
   return text;
 }
 
-// Empty when the host is not known.
-Addresses lookUp(const std::string& host, int flags) {
+struct Found {
+  Addresses addresses;
+  int error = 0;  // of getaddrinfo(), when there is no address
+};
+
+Found lookUp(const std::string& host, int flags) {
   addrinfo hints{};
   hints.ai_socktype = SOCK_STREAM;
   hints.ai_flags = flags;
   addrinfo* list = nullptr;
-  if (::getaddrinfo(host.c_str(), nullptr, &hints, &list) != 0) return {};
+  const int error = ::getaddrinfo(host.c_str(), nullptr, &hints, &list);
+  if (error != 0) return {{}, error};
 
   const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> owner(list, &::freeaddrinfo);
   Addresses addresses;
@@ -40,14 +46,14 @@ Addresses lookUp(const std::string& host, int flags) {
       addresses.push_back(std::move(address));
     }
   }
-  return addresses;
+  return {addresses, addresses.empty() ? EAI_NONAME : 0};
 }
 
 // The thread cannot be stopped: past the deadline it is left to end by itself, and owns all that it
 // uses.
-std::future<Addresses> startLookUp(const std::string& host) {
-  std::packaged_task<Addresses()> task([host] { return lookUp(host, 0); });
-  std::future<Addresses> result = task.get_future();
+std::future<Found> startLookUp(const std::string& host) {
+  std::packaged_task<Found()> task([host] { return lookUp(host, 0); });
+  std::future<Found> result = task.get_future();
   const SignalsBlocked blocked;
   std::thread(std::move(task)).detach();
   return result;
@@ -56,15 +62,17 @@ std::future<Addresses> startLookUp(const std::string& host) {
 }  // namespace
 
 std::vector<std::string> resolveHost(const std::string& host, const Deadline& deadline) {
-  if (Addresses numeric = lookUp(host, AI_NUMERICHOST); !numeric.empty()) return numeric;
+  if (Found numeric = lookUp(host, AI_NUMERICHOST); numeric.error == 0) return numeric.addresses;
 
-  std::future<Addresses> result = startLookUp(host);
+  std::future<Found> result = startLookUp(host);
   if (result.wait_for(deadline.remaining()) != std::future_status::ready) {
     throw Failure(Status::kNoAnswer);
   }
-  Addresses addresses = result.get();
-  if (addresses.empty()) throw Failure(Status::kCannotReach);
-  return addresses;
+  Found found = result.get();
+  if (found.addresses.empty()) {
+    throw ExplainedFailure(Status::kCannotReach, host + ": " + ::gai_strerror(found.error));
+  }
+  return found.addresses;
 }
 
 bool isLoopback(const std::string& address) {

@@ -10,8 +10,8 @@
 namespace tal::sql {
 
 // The numeric addresses of a host, in the order in which they should be tried; at least one. A
-// numeric host is its own address. Throws Failure: kCannotReach for an unknown host, kNoAnswer when
-// `deadline` passes first.
+// numeric host is its own address. Throws Failure: kCannotReach for an unknown host (an
+// ExplainedFailure), kNoAnswer when `deadline` passes first.
 std::vector<std::string> resolveHost(const std::string& host, const Deadline& deadline);
 
 // Whether a numeric address is one of this machine's loopback addresses.

@@ -8,7 +8,7 @@
 #include "tal/failure.h"
 #include "tal/mariadb/location.h"
 #include "tal/postgresql/location.h"
-#include "tal/postgresql/parameters.h"
+#include "tal/postgresql/login_options.h"
 #include "tal/text.h"
 #include "tests/fuzz/lines.h"
 #include "tests/fuzz/target.h"
@@ -62,7 +62,8 @@ void readPostgresql(const std::string& text, const std::string& user, const std:
                   .database = location.database,
                   .user = user,
                   .password = password,
-                  .requireTls = false});
+                  .encryption = tal::postgresql::Encryption::kUnverified,
+                  .bindsPassword = true});
 }
 
 void readMariadb(const std::string& text) {

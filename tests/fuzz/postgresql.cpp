@@ -1,9 +1,9 @@
 // Rows of a PostgreSQL server, the same ones for every statement.
-#include "tal/postgresql/clients.h"
-#include "tal/postgresql/communication.h"
-#include "tal/postgresql/open_files.h"
-#include "tal/postgresql/sql_connections.h"
-#include "tal/postgresql/usage.h"
+#include "tal/postgresql/read_clients.h"
+#include "tal/postgresql/read_communication.h"
+#include "tal/postgresql/read_files.h"
+#include "tal/postgresql/read_sql_connections.h"
+#include "tal/postgresql/read_usage.h"
 #include "tests/fuzz/served.h"
 #include "tests/fuzz/table.h"
 
@@ -39,7 +39,7 @@ void run(std::string_view input) {
   const Rows rows = rowsOf(input);
   decode([&] {
     Table table(rows);
-    serve(tal::postgresql::readOpenFiles(table));
+    serve(tal::postgresql::readFiles(table));
   });
   decode([&] {
     Table table(rows);

@@ -57,6 +57,14 @@ std::string notice() {
                           terminated("Mno news") + '\0');
 }
 
+std::string authentication(std::uint32_t request, const std::string& data) {
+  return message('R', bigEndian(request, 4) + data);
+}
+
+std::string setting(const std::string& name, const std::string& value) {
+  return message('S', terminated(name) + terminated(value));
+}
+
 std::string ready() { return message('Z', "I"); }
 
 std::string welcome(const std::string& version) {
@@ -109,30 +117,41 @@ bool readPacket(int client, int stop, std::string& body) {
   return readExactly(client, stop, body, ntohl(size) - 4);
 }
 
-// Reads the start packet; a wish for encryption before it is refused.
-bool readStart(int client, int stop) {
+// Reads the start packet; a wish for encryption before it is answered.
+bool readStart(int client, int stop, const std::string& answerToTls) {
   const std::string wish("\x04\xd2\x16\x2f", 4);
   std::string body;
   if (!readPacket(client, stop, body)) return false;
   if (body != wish) return true;
-  return ::send(client, "N", 1, MSG_NOSIGNAL) == 1 && readPacket(client, stop, body);
+  return ::send(client, answerToTls.data(), answerToTls.size(), MSG_NOSIGNAL) > 0 &&
+         readPacket(client, stop, body);
 }
 
 // Reads messages up to the one that asks for an answer.
-bool readBatch(int client, int stop) {
-  constexpr char kSync = 'S';
+bool readBatch(int client, int stop, std::string& received) {
+  const std::string askForAnswer = "Sp";  // synchronisation, and a step of the login
   std::string type;
   std::string body;
   do {
     if (!readExactly(client, stop, type, 1) || !readPacket(client, stop, body)) return false;
-  } while (type.front() != kSync);
+    received += type + body;
+  } while (askForAnswer.find(type) == std::string::npos);
   return true;
+}
+
+// The client's own part of the nonce stands in its first message of SCRAM.
+std::string withNonce(std::string answer, const std::string& received) {
+  const std::size_t place = answer.find(protocol::kNonce);
+  const std::size_t nonce = received.find(",r=");
+  if (place == std::string::npos || nonce == std::string::npos) return answer;
+  return answer.replace(place, protocol::kNonce.size(),
+                        received.substr(nonce + 3, protocol::kNonce.size()));
 }
 
 }  // namespace
 
-FakeServer::FakeServer(std::vector<std::string> script, AtEnd atEnd)
-    : script_(std::move(script)), atEnd_(atEnd) {
+FakeServer::FakeServer(std::vector<std::string> script, AtEnd atEnd, std::string answerToTls)
+    : script_(std::move(script)), atEnd_(atEnd), answerToTls_(std::move(answerToTls)) {
   int ends[2] = {-1, -1};
   if (::pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
   stopReading_ = FileDescriptor(ends[0]);
@@ -141,8 +160,13 @@ FakeServer::FakeServer(std::vector<std::string> script, AtEnd atEnd)
 }
 
 FakeServer::~FakeServer() {
+  if (thread_.joinable()) received();
+}
+
+const std::string& FakeServer::received() {
   stopWriting_.close();
-  thread_.join();
+  if (thread_.joinable()) thread_.join();
+  return received_;
 }
 
 void FakeServer::serve() {
@@ -155,11 +179,12 @@ void FakeServer::serve() {
 void FakeServer::play(int client) {
   bool isStart = true;
   for (const std::string& answer : script_) {
-    const bool asked = isStart ? readStart(client, stopReading_.number())
-                               : readBatch(client, stopReading_.number());
+    const bool asked = isStart ? readStart(client, stopReading_.number(), answerToTls_)
+                               : readBatch(client, stopReading_.number(), received_);
     if (!asked) return;
     isStart = false;
-    if (::send(client, answer.data(), answer.size(), MSG_NOSIGNAL) < 0) return;
+    const std::string text = withNonce(answer, received_);
+    if (::send(client, text.data(), text.size(), MSG_NOSIGNAL) < 0) return;
   }
   std::string rest;
   while (atEnd_ == AtEnd::kSilent && readExactly(client, stopReading_.number(), rest, 1)) {

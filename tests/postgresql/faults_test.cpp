@@ -1,5 +1,6 @@
 // Servers that go away, freeze or lock: each call ends in time, with the reason.
 #include <gtest/gtest.h>
+#include <stdlib.h>
 
 #include <chrono>
 #include <future>
@@ -31,8 +32,12 @@ class FaultsTest : public ServerTest {
   }
 };
 
-const std::vector<std::string> kSilentAfterLogin = {protocol::welcome("15.20"),
-                                                    protocol::prepared(), protocol::rows({{"t"}})};
+// What account.sql has to answer.
+const std::vector<std::string> kAccount = {"t", "pg_catalog", "5s",  "250ms",
+                                           "0", "on",         "off", "read committed"};
+
+const std::vector<std::string> kSilentAfterLogin = {
+    protocol::welcome("15.20"), protocol::prepared(), protocol::rows({kAccount})};
 
 TEST_F(FaultsTest, SilenceEndsInTime) {
   const FakeServer silent({}, FakeServer::AtEnd::kSilent);
@@ -129,7 +134,7 @@ TEST_F(FaultsTest, AnswerAboveTheLimitEndsTheSession) {
   const auto engine =
       tal::postgresql::open("127.0.0.1:" + std::to_string(fake.port()), {"zelk", "secret"});
 
-  EXPECT_EQ(statusOf([&] { engine->sqlConnections(); }), Status::kServerError);
+  EXPECT_EQ(statusOf([&] { engine->sqlConnections(); }), Status::kAnswerTooLarge);
   EXPECT_EQ(statusOf([&] { engine->sqlConnections(); }), Status::kConnectionLost);
 }
 
@@ -149,8 +154,9 @@ TEST_F(FaultsTest, StatementThatTheServerGivesUpLeavesTheSession) {
 }
 
 TEST_F(FaultsTest, LockedRelationIsAskedAgainWithoutItsSize) {
-  const std::vector<std::string> row = {"1",  "2",  "app.public.t", "8192", "78", "78",   "89",
-                                        "16", "77", "252",          "78",   "0",  "1019", "me@app"};
+  const std::vector<std::string> row = {
+      "1", "2", "app.public.t", "8192", "16384", "f", "t", "t", "8", "8", "f", "f",
+      "f", "7", "me@app"};
   std::vector<std::string> script = kSilentAfterLogin;
   script.push_back(protocol::prepared());
   script.push_back(protocol::error("55P03") + protocol::ready());
@@ -167,14 +173,48 @@ TEST_F(FaultsTest, LockedRelationIsAskedAgainWithoutItsSize) {
 }
 
 TEST_F(FaultsTest, RowsThatMakeNoSenseAreAnError) {
-  std::vector<std::string> script = kSilentAfterLogin;
-  script.push_back(protocol::prepared());
-  script.push_back(protocol::rows({{"nonsense"}}));
-  const FakeServer fake(script, FakeServer::AtEnd::kSilent);
-  const auto engine =
-      tal::postgresql::open("127.0.0.1:" + std::to_string(fake.port()), {"zelk", "secret"});
+  const std::vector<std::vector<std::string>> answers[] = {
+      {std::vector<std::string>(12, "nonsense")               },
+      {std::vector<std::string>(11, "1")                      },
+      {std::vector<std::string>(13, "1")                      },
+      {1000,                        std::vector<std::string>()}, // rows without columns take next to no bytes
+  };
+  for (const auto& answer : answers) {
+    std::vector<std::string> script = kSilentAfterLogin;
+    script.push_back(protocol::prepared());
+    script.push_back(protocol::rows(answer));
+    const FakeServer fake(script, FakeServer::AtEnd::kSilent);
+    const auto engine =
+        tal::postgresql::open("127.0.0.1:" + std::to_string(fake.port()), {"zelk", "secret"});
 
-  EXPECT_EQ(statusOf([&] { engine->usage(); }), Status::kServerError);
+    EXPECT_EQ(statusOf([&] { engine->usage(); }), Status::kServerError) << answer.front().size();
+  }
+}
+
+// As a pooler does that drops what was asked for at login.
+TEST_F(FaultsTest, SessionWithoutItsSettingsIsRefused) {
+  const std::vector<std::string> others = {"f",  "public, pg_catalog", "0", "0", "1min", "off",
+                                           "on", "serializable"};
+  for (std::size_t i = 0; i < kAccount.size(); ++i) {
+    std::vector<std::string> account = kAccount;
+    account[i] = others[i];
+    const FakeServer fake(
+        {protocol::welcome("15.20"), protocol::prepared(), protocol::rows({account})},
+        FakeServer::AtEnd::kSilent);
+
+    EXPECT_EQ(logIn(fake), i == 0 ? Status::kPrivilegeMissing : Status::kSettingsRefused) << i;
+  }
+}
+
+// The client library derives a key as often as the server says, for minutes, and looks at no clock
+// meanwhile. In a process of its own, because the thread that is left behind is busy.
+TEST_F(FaultsTest, KeyDerivationWithoutEndIsLeftBehind) {
+  const std::string start = "r=" + std::string(protocol::kNonce) + "x,s=c2FsdA==,i=2147483647";
+  const FakeServer fake({protocol::authentication(10, std::string("SCRAM-SHA-256\0\0", 15)),
+                         protocol::authentication(11, start)},
+                        FakeServer::AtEnd::kSilent);
+
+  EXPECT_EXIT(::exit(logIn(fake) == Status::kNoAnswer ? 3 : 1), testing::ExitedWithCode(3), "");
 }
 
 TEST_F(FaultsTest, LockedCatalogIsToldAndPasses) {
@@ -217,7 +257,7 @@ TEST_F(FaultsTest, EstimatedSizesAreAValidStatement) {
   first.run("BEGIN; LOCK TABLE t IN ACCESS EXCLUSIVE MODE");
 
   const std::string name =
-      zelk.value("SELECT name FROM (" + tal::postgresql::openFilesWithEstimatedSizes() +
+      zelk.value("SELECT name FROM (" + tal::postgresql::filesWithEstimatedSizesStatement().text +
                  ") x WHERE name = 'app.public.t'");
 
   EXPECT_EQ(name, "app.public.t");

@@ -17,9 +17,9 @@ TEST_F(ListingTest, TableOfAnOpenTransactionHasNoName) {
 
   const tal::OpenFile observed = file(name);
 
-  EXPECT_EQ(describe(observed.handles.at(0)), "252/0/0/19");
+  EXPECT_EQ(describe(observed.handles.at(0)), "252/77/0/19");
   EXPECT_EQ(observed.sizeKb, 0U);
-  EXPECT_EQ(observed.recordLocks, tal::flag::kUnknown);
+  EXPECT_EQ(observed.recordLocks, tal::flag::kYes);
   EXPECT_TRUE(observe(first).find("; 19, ") != std::string::npos) << observe(first);
 }
 
@@ -78,9 +78,9 @@ TEST_F(ListingTest, OtherDatabase) {
 
   first.run("BEGIN; INSERT INTO elsewhere VALUES (1)");
 
-  EXPECT_EQ(observe(first), name + " 0/0/0/1019; 1019, 3 locks; idle");
+  EXPECT_EQ(observe(first), name + " 0/77/0/1019; 1019, 3 locks; idle");
   EXPECT_EQ(file(name).sizeKb, 0U);
-  EXPECT_EQ(file(name).recordLocks, tal::flag::kUnknown);
+  EXPECT_EQ(file(name).recordLocks, tal::flag::kYes);
 }
 
 TEST_F(ListingTest, SharedCatalog) {

@@ -4,20 +4,22 @@
 #include <stdlib.h>
 #include <sys/stat.h>
 
+#include <filesystem>
 #include <string>
 
 #include "tal/failure.h"
-#include "tal/postgresql/login_attempt.h"
 #include "tal/postgresql/postgresql.h"
 #include "tests/postgresql/fake_server.h"
 #include "tests/postgresql/server_test.h"
 #include "tests/sql/fake_host.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/wait_until.h"
 
 namespace testing_support {
 namespace {
 
 using tal::Status;
+namespace fs = std::filesystem;
 
 tal::Credentials user(const std::string& name) { return {name, PrivateServer::kPassword}; }
 
@@ -126,28 +128,6 @@ TEST_F(LoginTest, TakesTheReasonOfTheFirstAddressThatAnswers) {
             Status::kLoginRefused);
 }
 
-// The status of a login that insists on encryption, as one from elsewhere does.
-Status encryptedLogin(std::uint16_t port) {
-  const tal::postgresql::Target target{.host = "127.0.0.1",
-                                       .address = "127.0.0.1",
-                                       .port = port,
-                                       .database = "app",
-                                       .user = "zelk",
-                                       .password = PrivateServer::kPassword,
-                                       .requireTls = true};
-  tal::sql::SocketCutter cutter;
-  return statusOf([&] {
-    tal::postgresql::connectTo(target, cutter, tal::sql::Deadline(tal::sql::kConnectLimit));
-  });
-}
-
-TEST_F(LoginTest, EncryptionCanBeRequired) {
-  const FakeServer closing({}, FakeServer::AtEnd::kClose);
-
-  EXPECT_EQ(encryptedLogin(server_.port()), Status::kTlsFailed);
-  EXPECT_EQ(encryptedLogin(closing.port()), Status::kConnectionLost);
-}
-
 // Sets an environment variable for a while.
 class Variable {
  public:
@@ -178,11 +158,9 @@ TEST_F(LoginTest, EnvironmentIsKeptOut) {
   const Variable name("PGUSER", "stranger");
   const Variable options("PGOPTIONS", "-c default_transaction_read_only=off");
   const Variable application("PGAPPNAME", "somebody");
-  const Variable tls("PGSSLMODE", "verify-full");
-  const Variable rootCertificate("PGSSLROOTCERT", "/nowhere");
-  const Variable peer("PGREQUIREPEER", "nobody");
+  const Variable tls("PGSSLMODE", "disable");
   const Variable attributes("PGTARGETSESSIONATTRS", "standby");
-  const Variable binding("PGCHANNELBINDING", "require");
+  const Variable binding("PGCHANNELBINDING", "disable");
   const Variable encoding("PGCLIENTENCODING", "nonsense");
 
   const auto engine = openEngine(server_);
@@ -191,6 +169,151 @@ TEST_F(LoginTest, EnvironmentIsKeptOut) {
   EXPECT_EQ(admin_.value("SELECT count(*) FROM pg_stat_activity WHERE application_name = 'zelk'"
                          " AND usename = 'zelk' AND datname = 'app'"),
             "1");
+}
+
+TEST_F(LoginTest, WishesForMoreSecurityAreHonoured) {
+  struct Row {
+    const char* name;
+    const char* value;
+    Status network;
+    Status socket;
+  };
+  const Row rows[] = {
+      {"PGSSLMODE",        "require", Status::kTlsFailed,   Status::kSuccess       },
+      {"PGCHANNELBINDING", "require", Status::kUnsafeLogin, Status::kUnsafeLogin   },
+      {"PGREQUIREPEER",    "nobody",  Status::kSuccess,     Status::kConnectionLost},
+  };
+
+  for (const Row& row : rows) {
+    const Variable wish(row.name, row.value);
+    EXPECT_EQ(login(address(), user("zelk")), row.network) << row.name;
+    EXPECT_EQ(login(socket(), user("zelk")), row.socket) << row.name;
+  }
+}
+
+// The user's file of exceptions lets such servers have it.
+TEST_F(LoginTest, PasswordIsNotGivenAwayUnlessAllowed) {
+  const TemporaryFolder home;
+  const Variable folder("HOME", home.path().string());
+  fs::create_directory(home / ".postgresql");
+  for (const bool isAllowed : {false, true}) {
+    const Status expected = isAllowed ? Status::kSuccess : Status::kUnsafeLogin;
+    for (const char* const name : {"clear", "hashed"}) {
+      EXPECT_EQ(login(address(), user(name)), expected) << name;
+      EXPECT_EQ(login(socket() + "/app", user(name)), expected) << name;
+    }
+    writeFile(home / ".postgresql/zelk.conf",
+              "127.0.0.1 weak-password\n" + socket() + " weak-password\n");
+  }
+}
+
+TEST_F(LoginTest, FileOfExceptionsThatOthersMayWriteIsNotRead) {
+  const TemporaryFolder home;
+  const Variable folder("HOME", home.path().string());
+  fs::create_directory(home / ".postgresql");
+  writeFile(home / ".postgresql/zelk.conf", "127.0.0.1 weak-password\n");
+  fs::permissions(home / ".postgresql/zelk.conf", fs::perms(0666));
+
+  EXPECT_EQ(login(address(), user("clear")), Status::kUnsafeLogin);
+}
+
+// Whoever listens in the place of the server.
+TEST_F(LoginTest, ImpostorsLearnNoPassword) {
+  const std::string scram = protocol::authentication(10, std::string("SCRAM-SHA-256\0\0", 15));
+  const std::string clear = protocol::authentication(3);
+  const std::string hashed = protocol::authentication(5, "salt");
+  struct Row {
+    std::string first;
+    std::string second;
+  };
+  const Row rows[] = {
+      {clear,                       ""   },
+      {hashed,                      ""   },
+      {protocol::authentication(7), ""   },
+      {protocol::authentication(9), ""   },
+      {scram + clear,               ""   },
+      {scram,                       clear},
+  };
+  for (const Row& row : rows) {
+    FakeServer impostor({row.first, row.second}, FakeServer::AtEnd::kSilent);
+
+    const Status status = login("127.0.0.1:" + std::to_string(impostor.port()), user("zelk"));
+
+    EXPECT_EQ(status, Status::kUnsafeLogin);
+    const std::string& received = impostor.received();
+    EXPECT_EQ(received.find("secret"), std::string::npos);
+    EXPECT_EQ(received.find("md5"), std::string::npos);
+  }
+}
+
+TEST_F(LoginTest, FloodOfSettingsEnds) {
+  std::string flood = protocol::authentication(0);
+  for (int i = 0; i < 2000; ++i) {
+    flood += protocol::setting("setting" + std::to_string(i), std::string(1000, 'x'));
+  }
+  const FakeServer server({flood}, FakeServer::AtEnd::kSilent);
+
+  EXPECT_EQ(login("127.0.0.1:" + std::to_string(server.port()), user("zelk")),
+            Status::kAnswerTooLarge);
+}
+
+TEST_F(LoginTest, DatabasesSettingsDoNotReachTheMonitor) {
+  admin_.run(
+      "ALTER DATABASE app SET default_transaction_deferrable = on;"
+      "ALTER DATABASE app SET default_transaction_isolation = serializable;"
+      "ALTER DATABASE app SET idle_session_timeout = 1;"
+      "ALTER DATABASE app SET search_path = public");
+
+  const Status status = login(address(), user("zelk"));
+
+  admin_.run("ALTER DATABASE app RESET ALL");
+  EXPECT_EQ(status, Status::kSuccess);
+}
+
+// The shared server with encryption, by a certificate of its own for "localhost".
+class EncryptedLoginTest : public LoginTest {
+ protected:
+  EncryptedLoginTest() {
+    admin_.run(
+        "COPY (SELECT 1) TO PROGRAM 'openssl req -new -x509 -nodes -batch -days 2"
+        " -subj /CN=localhost -keyout server.key -out server.crt 2>&1 && chmod 600 server.key'");
+    encrypt("on");
+  }
+  ~EncryptedLoginTest() override { encrypt("off"); }
+
+  // How the certificate is checked.
+  Status loginWith(const std::string& host, const std::string& mode, const fs::path& root) {
+    const Variable wish("PGSSLMODE", mode);
+    const Variable rootCertificate("PGSSLROOTCERT", root.string());
+    return login(host + ':' + std::to_string(server_.port()) + "/app", user("zelk"));
+  }
+
+ private:
+  void encrypt(const std::string& value) {
+    admin_.run("ALTER SYSTEM SET ssl = " + value);
+    admin_.run("SELECT pg_reload_conf()");
+    EXPECT_TRUE(waitUntil([&] { return session("check").value("SHOW ssl") == value; }));
+  }
+};
+
+TEST_F(EncryptedLoginTest, UsesItAndBindsThePassword) {
+  const auto engine = openEngine(server_);
+
+  EXPECT_EQ(admin_.value("SELECT count(*) FROM pg_stat_ssl JOIN pg_stat_activity USING (pid)"
+                         " WHERE application_name = 'zelk' AND ssl"),
+            "1");
+  EXPECT_EQ(login(address(), user("clear")), Status::kUnsafeLogin);
+  EXPECT_EQ(login(address(), user("hashed")), Status::kUnsafeLogin);
+  EXPECT_EQ(login(address(), {"zelk", "wrong"}), Status::kLoginRefused);
+}
+
+TEST_F(EncryptedLoginTest, ChecksTheCertificateAsWished) {
+  const fs::path own = server_.folder() / "data/server.crt";
+
+  EXPECT_EQ(loginWith("localhost", "verify-full", own), Status::kSuccess);
+  EXPECT_EQ(loginWith("127.0.0.1", "verify-ca", own), Status::kSuccess);
+  EXPECT_EQ(loginWith("127.0.0.1", "verify-full", own), Status::kTlsFailed);
+  EXPECT_EQ(loginWith("localhost", "verify-full", "/nowhere"), Status::kTlsFailed);
 }
 
 TEST_F(LoginTest, EmptyPasswordIsNotTakenFromTheEnvironment) {
@@ -224,6 +347,7 @@ TEST_F(LoginTest, FailsWithAFakeServersReason) {
     FakeServer::AtEnd atEnd;
     Status status;
   };
+  const std::string tooShort("R\0\0\0\1", 5);
   const Row rows[] = {
       {protocol::error("57P03"),       FakeServer::AtEnd::kClose,  Status::kServerNotReady     },
       {protocol::error("53300"),       FakeServer::AtEnd::kClose,  Status::kNoConnectionSlot   },
@@ -231,7 +355,8 @@ TEST_F(LoginTest, FailsWithAFakeServersReason) {
       {protocol::welcome("13.22"),     FakeServer::AtEnd::kSilent, Status::kVersionNotSupported},
       {protocol::welcome("nonsense"),  FakeServer::AtEnd::kSilent, Status::kVersionNotSupported},
       {"",                             FakeServer::AtEnd::kClose,  Status::kConnectionLost     },
-      {"HTTP/1.1 400 Bad Request\r\n", FakeServer::AtEnd::kClose,  Status::kConnectionLost     },
+      {"HTTP/1.1 400 Bad Request\r\n", FakeServer::AtEnd::kClose,  Status::kOtherProtocol      },
+      {tooShort,                       FakeServer::AtEnd::kSilent, Status::kOtherProtocol      },
   };
 
   for (const Row& row : rows) {
@@ -241,10 +366,23 @@ TEST_F(LoginTest, FailsWithAFakeServersReason) {
   }
 }
 
+TEST_F(LoginTest, OtherProtocolsAreToldBeforeEncryption) {
+  for (const char* const answer : {"HTTP/1.1 400 Bad Request\r\n", "_", "220 mail ready\r\n"}) {
+    const FakeServer fake({""}, FakeServer::AtEnd::kSilent, answer);
+    EXPECT_EQ(login("127.0.0.1:" + std::to_string(fake.port()), user("zelk")),
+              Status::kOtherProtocol)
+        << answer;
+  }
+}
+
 TEST_F(LoginTest, KeepsNoticesFromTheTerminal) {
-  const FakeServer server({protocol::welcome("15.6"), protocol::notice() + protocol::prepared(),
-                           protocol::rows({{"t"}})},
-                          FakeServer::AtEnd::kSilent);
+  const FakeServer server(
+      {
+          protocol::welcome("15.6"), protocol::notice() + protocol::prepared(),
+          protocol::rows({{"t", "pg_catalog", "5s", "250ms", "0", "on", "off", "read committed"}}
+          )
+  },
+      FakeServer::AtEnd::kSilent);
   ::testing::internal::CaptureStderr();
 
   const Status status = login("127.0.0.1:" + std::to_string(server.port()), user("zelk"));

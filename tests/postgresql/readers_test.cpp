@@ -6,11 +6,12 @@
 #include <vector>
 
 #include "tal/failure.h"
-#include "tal/postgresql/clients.h"
-#include "tal/postgresql/communication.h"
-#include "tal/postgresql/open_files.h"
-#include "tal/postgresql/sql_connections.h"
-#include "tal/postgresql/usage.h"
+#include "tal/postgresql/lock_codes.h"
+#include "tal/postgresql/read_clients.h"
+#include "tal/postgresql/read_communication.h"
+#include "tal/postgresql/read_files.h"
+#include "tal/postgresql/read_sql_connections.h"
+#include "tal/postgresql/read_usage.h"
 #include "tests/sql/table.h"
 
 namespace tal::postgresql {
@@ -21,17 +22,18 @@ using testing_support::Table;
 
 constexpr std::uint32_t kLargest = std::numeric_limits<std::uint32_t>::max();
 
+// A relation, used by one process.
 std::vector<Cell> fileRow(const char* database, const char* relation, const char* name,
                           const char* process) {
-  return {database, relation, name,  "8192", "78", "89",   "78",
-          "16",     process,  "254", "77",   "2",  "1019", "me@app"};
+  return {database, relation, name, "8192", "16385", "f",     "t",     "t",
+          "2",      "2",      "f",  "t",    "t",     process, "me@app"};
 }
 
-TEST(OpenFilesReaderTest, GroupsHandlesByRelation) {
+TEST(FilesReaderTest, GroupsHandlesByRelation) {
   Table rows({fileRow("1", "10", "a", "7"), fileRow("1", "10", "a", "8"),
               fileRow("1", "11", "b", "7"), fileRow("1", "10", "a", "9")});
 
-  const std::vector<OpenFile> files = readOpenFiles(rows);
+  const std::vector<OpenFile> files = readFiles(rows);
 
   ASSERT_EQ(files.size(), 2U);
   EXPECT_EQ(files[0].name, "a");
@@ -39,10 +41,10 @@ TEST(OpenFilesReaderTest, GroupsHandlesByRelation) {
   EXPECT_EQ(files[0].readOnly, flag::kNo);
   EXPECT_EQ(files[0].recordLocks, flag::kYes);
   EXPECT_EQ(files[0].transactionLock, flag::kNo);
-  EXPECT_EQ(files[0].sizeKb, 16U);
+  EXPECT_EQ(files[0].sizeKb, 17U);
   ASSERT_EQ(files[0].handles.size(), 3U);
   EXPECT_EQ(files[0].handles[2].clientIndex, 9U);
-  EXPECT_EQ(files[0].handles[0].openMode, open_mode::kReadOnly);
+  EXPECT_EQ(files[0].handles[0].openMode, open_mode::kNormal);
   EXPECT_EQ(files[0].handles[0].recordLockType, record_lock::kMultiple);
   EXPECT_EQ(files[0].handles[0].waitState, wait_state::kFile);
   EXPECT_EQ(files[0].handles[0].transactionState, transaction_state::kConcurrent);
@@ -50,11 +52,52 @@ TEST(OpenFilesReaderTest, GroupsHandlesByRelation) {
   EXPECT_EQ(files[1].handles.size(), 1U);
 }
 
-TEST(OpenFilesReaderTest, MakesNamesDifferent) {
+TEST(FilesReaderTest, AWriterThatKeepsOthersOutMarksTheFile) {
+  std::vector<Cell> row = fileRow("1", "10", "a", "7");
+  row[5] = "t";
+  row[8] = row[9] = "5";
+  Table rows({row});
+
+  const std::vector<OpenFile> files = readFiles(rows);
+
+  EXPECT_EQ(files[0].readOnly, flag::kYes);
+  EXPECT_EQ(files[0].transactionLock, flag::kYes);
+}
+
+// Open mode, record lock type, wait state and transaction state of each use of a lock.
+TEST(LockCodesTest, EachUse) {
+  struct Row {
+    LockUse use;
+    std::vector<int> codes;
+  };
+  const Row rows[] = {
+      {{true, true, 1, 1, false, false, false},   {254, 78, 0, 1019}},
+      {{true, true, 2, 2, false, false, true},    {0, 77, 0, 1019}  },
+      {{true, true, 3, 3, true, false, true},     {0, 77, 1, 1019}  },
+      {{true, false, 3, 3, false, false, true},   {0, 78, 0, 1019}  },
+      {{true, true, 4, 4, false, false, false},   {0, 78, 0, 1019}  },
+      {{true, true, 0, 5, false, true, false},    {238, 78, 2, 0}   },
+      {{true, true, 1, 6, false, true, false},    {252, 78, 2, 1019}},
+      {{true, true, 6, 6, false, false, false},   {252, 78, 0, 19}  },
+      {{true, true, 8, 8, true, true, false},     {252, 78, 1, 19}  },
+      {{false, false, 7, 7, false, false, false}, {0, 78, 0, 19}    },
+      {{false, false, 5, 5, false, false, false}, {0, 78, 0, 1019}  },
+      {{false, false, 0, 5, true, false, false},  {0, 78, 1, 0}     },
+      {{},                                        {0, 78, 0, 0}     },
+  };
+
+  for (const Row& row : rows) {
+    const std::vector<int> codes = {openModeOf(row.use), recordLockTypeOf(row.use),
+                                    waitStateOf(row.use), transactionStateOf(row.use)};
+    EXPECT_EQ(codes, row.codes) << row.use.held << ' ' << row.use.asked;
+  }
+}
+
+TEST(FilesReaderTest, MakesNamesDifferent) {
   Table rows({fileRow("1", "10", "a", "7"), fileRow("1", "11", "a", "7"),
               fileRow("2", "10", "a", "7"), fileRow("3", "10", "a", "7")});
 
-  const std::vector<OpenFile> files = readOpenFiles(rows);
+  const std::vector<OpenFile> files = readFiles(rows);
 
   ASSERT_EQ(files.size(), 4U);
   EXPECT_EQ(files[0].name, "a");
@@ -63,27 +106,24 @@ TEST(OpenFilesReaderTest, MakesNamesDifferent) {
   EXPECT_EQ(files[3].name, "a#10");
 }
 
-TEST(OpenFilesReaderTest, SurvivesNullsAndLargeNumbers) {
+TEST(FilesReaderTest, SurvivesNullsAndLargeNumbers) {
   Table rows({
-      {"1",           "10", std::nullopt, "99999999999999999999", "300", "-1", std::nullopt, "-5",
-       "4294967296", "256", "-256", std::nullopt, "65536", std::nullopt},
-      {       }
+      {"1",           "10", std::nullopt, "99999999999999999999", "-5", "x", "1", std::nullopt, "-1", "99",
+       std::nullopt, "true", "t", "4294967296", std::nullopt},
+      {        }
   });
 
-  const std::vector<OpenFile> files = readOpenFiles(rows);
+  const std::vector<OpenFile> files = readFiles(rows);
 
   ASSERT_EQ(files.size(), 2U);
   EXPECT_EQ(files[0].name, "");
   EXPECT_EQ(files[0].pageSize, kLargest);
-  EXPECT_EQ(files[0].readOnly, flag::kUnknown);
-  EXPECT_EQ(files[0].recordLocks, flag::kUnknown);
-  EXPECT_EQ(files[0].transactionLock, flag::kUnknown);
+  EXPECT_EQ(files[0].readOnly, flag::kNo);
   EXPECT_EQ(files[0].sizeKb, 0U);
   EXPECT_EQ(files[0].handles[0].clientIndex, kLargest);
-  EXPECT_EQ(files[0].handles[0].openMode, open_mode::kUnknown);
-  EXPECT_EQ(files[0].handles[0].recordLockType, record_lock::kUnknown);
-  EXPECT_EQ(files[0].handles[0].waitState, wait_state::kUnknown);
-  EXPECT_EQ(files[0].handles[0].transactionState, transaction_state::kUnknown);
+  EXPECT_EQ(files[0].handles[0].openMode, open_mode::kNormal);
+  EXPECT_EQ(files[0].handles[0].waitState, wait_state::kNone);
+  EXPECT_EQ(files[0].handles[0].transactionState, transaction_state::kNone);
   EXPECT_EQ(files[1].name, "#");
 }
 
@@ -92,15 +132,16 @@ TEST(ReadersTest, RefuseTextsThatAreNoNumbers) {
     std::vector<Cell> row = fileRow("1", "10", "a", "7");
     row[3] = text;
     Table rows({row});
-    EXPECT_THROW(readOpenFiles(rows), Failure) << text;
+    EXPECT_THROW(readFiles(rows), Failure) << text;
   }
 }
 
 TEST(ClientsReaderTest, GroupsHandlesByProcess) {
   Table rows({
-      {"7", "0", "192.0.2.7", "4", "1019", "me@app",  "a",          "254", "78", "0", "1019"},
-      {"7", "0", "192.0.2.7", "4", "1019", "me@app",  "b",          "0",   "77", "1", "0"   },
-      {"8", "1", "[local]",   "0", "0",    "you@app", std::nullopt, "0",   "0",  "0", "0"   }
+      {"7", "t", "192.0.2.7", "4", "f", "t", "me@app #7",  "a",          "t", "t", "1", "1", "f", "f", "f"},
+      {"7", "t", "192.0.2.7", "4", "f", "t", "me@app #7",  "b",          "t", "t", "0", "3", "t", "f", "t"},
+      {"8", "f", "[local]",   "0", "t", "t", "you@app #8", std::nullopt, "f", "f", "0", "0", "f", "f",
+       "f"                                                                                                }
   });
 
   const std::vector<Client> clients = readClients(rows);
@@ -113,30 +154,31 @@ TEST(ClientsReaderTest, GroupsHandlesByProcess) {
   EXPECT_EQ(clients[0].transactionState, transaction_state::kConcurrent);
   EXPECT_EQ(clients[0].processId, 7U);
   EXPECT_EQ(clients[0].connectionNumber, kUnknownConnectionNumber);
-  EXPECT_EQ(clients[0].sessionName, "me@app");
+  EXPECT_EQ(clients[0].sessionName, "me@app #7");
   ASSERT_EQ(clients[0].handles.size(), 2U);
   EXPECT_EQ(clients[0].handles[1].fileName, "b");
   EXPECT_EQ(clients[0].handles[1].recordLockType, record_lock::kMultiple);
   EXPECT_EQ(clients[0].handles[1].waitState, wait_state::kRecord);
   EXPECT_EQ(clients[0].handles[1].transactionState, transaction_state::kNone);
   EXPECT_EQ(clients[1].site, site::kLocal);
+  EXPECT_EQ(clients[1].transactionState, transaction_state::kExclusive);
   EXPECT_TRUE(clients[1].handles.empty());
 }
 
 TEST(ClientsReaderTest, SurvivesNulls) {
-  Table rows({std::vector<Cell>(11), {}});
+  Table rows({std::vector<Cell>(15), {}});
 
   const std::vector<Client> clients = readClients(rows);
 
   ASSERT_EQ(clients.size(), 1U);
   EXPECT_EQ(clients[0].id, "");
-  EXPECT_EQ(clients[0].site, site::kUnknown);
-  EXPECT_EQ(clients[0].transactionState, transaction_state::kUnknown);
+  EXPECT_EQ(clients[0].site, site::kLocal);
+  EXPECT_EQ(clients[0].transactionState, transaction_state::kNone);
 }
 
 TEST(SqlConnectionsReaderTest, ReadsEachField) {
   Table rows({
-      {"host", "base", "app", "address", "user", "1", "4294967295", "86400"},
+      {"host", "base", "app", "address", "user", "t", "4294967295", "86400"},
       std::vector<Cell>(8)
   });
 
@@ -157,10 +199,10 @@ TEST(SqlConnectionsReaderTest, ReadsEachField) {
 TEST(UsageReaderTest, ReadsEachFigureAndKeepsPeaks) {
   UsageReader reader;
   Table high({
-      {"11", "100", "12", "13", "14", "15", "16", "8", "17", "18", "19", "20"}
+      {"11", "100", "12", "13", "14", "15", "16", "8", "17", "18874368", "19", "20"}
   });
   Table low({
-      {"1", "100", "2", "3", "4", "5", "6", "8", "7", "8", "9", "21"}
+      {"1", "100", "2", "3", "4", "5", "6", "8", "7", "9437183", "9", "21"}
   });
 
   reader.read(high);
@@ -191,10 +233,10 @@ TEST(UsageReaderTest, NeedsARow) {
 TEST(CommunicationReaderTest, ReadsEachFigureAndKeepsPeaks) {
   CommunicationReader reader;
   Table high({
-      {"1000", "3", "4", "5", "20", "30", "100", "10"}
+      {"1000", "3", "20", "30", "100", "10"}
   });
   Table low({
-      {"4294967296", "6", "4", "5", "2", "3", "100", "10"}
+      {"4294967296", "6", "2", "3", "100", "10"}
   });
 
   reader.read(high);

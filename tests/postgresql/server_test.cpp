@@ -43,7 +43,15 @@ void prepare(const PrivateServer& server) {
       "CREATE ROLE guest LOGIN PASSWORD 'secret';"
       "CREATE ROLE limited LOGIN PASSWORD 'secret' CONNECTION LIMIT 0;"
       "CREATE ROLE sleeper PASSWORD 'secret';"
-      "GRANT pg_read_all_stats TO zelk");
+      "GRANT pg_read_all_stats TO zelk;"
+      "CREATE ROLE clear LOGIN PASSWORD 'secret' IN ROLE pg_read_all_stats;"
+      "SET password_encryption = md5;"
+      "CREATE ROLE hashed LOGIN PASSWORD 'secret' IN ROLE pg_read_all_stats");
+  admin.run(
+      "COPY (VALUES ('host all clear 127.0.0.1/32 password'), ('local all clear password'),"
+      " ('host all hashed 127.0.0.1/32 md5'), ('local all hashed md5'))"
+      " TO PROGRAM 'cat - pg_hba.conf >new && mv new pg_hba.conf'");
+  admin.run("SELECT pg_reload_conf()");
 }
 
 std::unique_ptr<tal::Engine> openEngine(const PrivateServer& server) {
@@ -79,6 +87,10 @@ void ServerTest::TearDown() {
                " 'autovacuum worker') AND pid <> pg_backend_pid()") == "0";
   });
   ASSERT_TRUE(alone);
+}
+
+void ServerTest::end(const Session& session) {
+  admin_.run("SELECT pg_terminate_backend(" + std::to_string(session.process()) + ", 5000)");
 }
 
 Session ServerTest::session(const std::string& name, const std::string& database) {

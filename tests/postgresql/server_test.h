@@ -17,6 +17,8 @@ namespace testing_support {
 // database "app" and these roles, all with the password PrivateServer::kPassword:
 //   zelk     may see what is reported     guest    may not
 //   limited  may hold no connection       sleeper  may not log in
+//   clear    is asked for the password in clear text, otherwise as zelk
+//   hashed   is asked for it by MD5, otherwise as zelk
 PrivateServer& sharedServer();
 
 // A session of the superuser.
@@ -39,6 +41,8 @@ class ServerTest : public testing::Test {
   void SetUp() override;
   void TearDown() override;
 
+  // Ends a session from the server's side, and returns when it is gone.
+  void end(const Session& session);
   // A user's session in a database.
   Session session(const std::string& name, const std::string& database = "app");
   // Returns when a session waits for a lock.

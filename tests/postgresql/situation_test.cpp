@@ -1,6 +1,7 @@
 #include "tests/postgresql/situation_test.h"
 
 #include <algorithm>
+#include <sstream>
 #include <string_view>
 #include <vector>
 
@@ -38,6 +39,13 @@ std::string handlesOf(const tal::Client& client) {
 std::string describe(const tal::FileHandle& handle) { return describeAny(handle); }
 std::string describe(const tal::ClientHandle& handle) { return describeAny(handle); }
 
+int waitIn(const std::string& handle) {
+  std::istringstream parts(handle);
+  std::string part;
+  for (int i = 0; i < 3; ++i) std::getline(parts, part, '/');
+  return part.empty() ? -1 : std::stoi(part);
+}
+
 std::string SituationTest::handlesInFiles(std::uint32_t process) {
   std::vector<std::string> parts;
   for (const tal::OpenFile& file : engine_->openFiles()) {
@@ -64,6 +72,33 @@ std::string SituationTest::observe(const Session& session) {
     text += connection.status == tal::connection_status::kActive ? "active" : "idle";
   }
   return text;
+}
+
+std::string SituationTest::nameOf(std::string query, const Session& holder) {
+  constexpr std::string_view kHolder = "{holder}";
+  const std::size_t at = query.find(kHolder);
+  if (at != std::string::npos) {
+    query.replace(at, kHolder.size(), std::to_string(holder.process()));
+  }
+  return admin_.value(query);
+}
+
+std::string SituationTest::handleOn(const std::string& name, const Session& session) {
+  const auto process = static_cast<std::uint32_t>(session.process());
+  std::string inFiles;
+  for (const tal::OpenFile& file : engine_->openFiles()) {
+    for (const tal::FileHandle& handle : file.handles) {
+      if (file.name == name && handle.clientIndex == process) inFiles = describe(handle);
+    }
+  }
+  std::string inClients;
+  for (const tal::Client& client : engine_->clients()) {
+    for (const tal::ClientHandle& handle : client.handles) {
+      if (client.processId == process && handle.fileName == name) inClients = describe(handle);
+    }
+  }
+  EXPECT_EQ(inFiles, inClients);
+  return inFiles;
 }
 
 tal::OpenFile SituationTest::file(const std::string& name) {

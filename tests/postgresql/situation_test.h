@@ -14,6 +14,9 @@ namespace testing_support {
 std::string describe(const tal::FileHandle& handle);
 std::string describe(const tal::ClientHandle& handle);
 
+// The wait state of such a text, -1 when there is none.
+int waitIn(const std::string& handle);
+
 class SituationTest : public ServerTest {
  protected:
   // The handles of a process in the list of files, "t 0/77/0/1019, t_pkey 0/78/0/1019". Relations
@@ -23,6 +26,11 @@ class SituationTest : public ServerTest {
   // connection is active: "t 0/77/0/1019; 1019, 2 locks; idle". Fails the test when the two lists
   // differ in the handles.
   std::string observe(const Session& session);
+  // The name that a query gives; "{holder}" in it is the process of a session.
+  std::string nameOf(std::string query, const Session& holder);
+  // The handle of a session on an object. Fails the test when the two lists differ in it; empty
+  // when none has it.
+  std::string handleOn(const std::string& name, const Session& session);
   // An entry of the list of files, which must be there.
   tal::OpenFile file(const std::string& name);
 

@@ -21,22 +21,26 @@ struct Failure {
   const char* name;
   Target target;
   int status;
+  std::string explanation = "";  // the line before the text, where there is one
 };
 
 std::vector<Failure> postgresqlFailures(const std::string& closed, const std::string& silent) {
   const std::string server =
       "postgresql://127.0.0.1:" + std::to_string(testing_support::sharedServer().port());
   return {
-      {"wrong password",    {server + "/app", "zelk", "wrong"},  7104},
-      {"unknown user",      {server + "/app", "nobody"},         7104},
-      {"no password",       {server + "/app", "zelk", ""},       7122},
-      {"missing privilege", {server + "/app", "guest"},          7105},
-      {"unknown database",  {server + "/nowhere"},               7115},
-      {"no connection",     {server + "/app", "limited"},        7116},
-      {"closed port",       {"postgresql://" + closed + "/app"}, 7103},
-      {"unknown scheme",    {"postgresq://" + closed},           7102},
-      {"silent listener",   {"postgresql://" + silent + "/app"}, 7107},
-      {"not a port",        {"postgresql://127.0.0.1:port/app"}, 7121},
+      {"wrong password",                         {server + "/app", "zelk", "wrong"}, 7104    },
+      {"unknown user",                           {server + "/app", "nobody"},        7104    },
+      {"no password",                            {server + "/app", "zelk", ""},      7122    },
+      {"missing privilege",                      {server + "/app", "guest"},         7105,     "GRANT pg_read_all_stats TO ..."},
+      {"unknown database",                                        {server + "/nowhere"},                                                         7115    },
+      {"no connection",                                        {server + "/app", "limited"},                                                            7116},
+      {"closed port",
+       {"postgresql://" + closed + "/app"},
+       7103,                                                    "connection to server at \"127.0.0.1\", port " + closed.substr(closed.find(':') + 1) +
+           " failed: Connection refused"},
+      {"unknown scheme", {"postgresq://" + closed},                                   7102                           },
+      {"silent listener",                                    {"postgresql://" + silent + "/app"},                                    7107},
+      {"not a port",                                    {"postgresql://127.0.0.1:port/app"},                                   7121                               },
   };
 }
 
@@ -105,15 +109,20 @@ std::string keysOf(const nlohmann::json& object) {
 constexpr const char* kHeaderKeys =
     R"(["copyright","description","time","title","user_configuration","version"])";
 
+std::string explanationOf(const Failure& failure) {
+  return failure.explanation.empty() ? "" : "libtal: " + failure.explanation + "\n";
+}
+
 void expectLineAfterTheSettings(const Attempt& attempt) {
-  EXPECT_EQ(attempt.process->error(), failureText(attempt.failure.status) + "\n");
+  EXPECT_EQ(attempt.process->error(),
+            explanationOf(attempt.failure) + failureText(attempt.failure.status) + "\n");
   EXPECT_TRUE(attempt.process->output().starts_with(program_tests::kBanner));
   EXPECT_TRUE(attempt.process->output().ends_with("//End of Configuration\n\n"));
 }
 
 void expectMemberBesideTheDocument(const Attempt& attempt) {
-  EXPECT_EQ(attempt.process->error(),
-            "\t\"error\": \"" + failureText(attempt.failure.status) + "\"\n");
+  EXPECT_EQ(attempt.process->error(), explanationOf(attempt.failure) + "\t\"error\": \"" +
+                                          failureText(attempt.failure.status) + "\"\n");
   std::string document = attempt.process->output();
   ASSERT_TRUE(document.ends_with("\t},\n}\n"));
   document.erase(document.size() - 4, 1);  // the comma

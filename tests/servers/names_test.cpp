@@ -27,10 +27,48 @@ TEST_F(PostgresqlNamesTest, ControlCharactersAreReplacedAndOtherBytesKept) {
       Monitor({"postgresql://127.0.0.1:" + std::to_string(server_.port()) + "/raw"}).textReport();
 
   EXPECT_PRED_FORMAT2(sameText,
-                      "RAW.PUBLIC.TA\"B'L\\?E??\xff\xc3 " + std::to_string(user.process()) +
+                      "RAW.PUBLIC.TA?B'L??E??\xff\xc3 " + std::to_string(user.process()) +
                           " Read-only, None, None, Concurrent Lock\n",
                       handlesOfFiles(report));
   EXPECT_EQ(handlesOfFiles(report), handlesOfSessions(report, "PID"));
+}
+
+// Every name that a user of the server can choose, with every section on and off.
+TEST_F(PostgresqlNamesTest, NoNameBreaksOrForgesAJsonReport) {
+  const std::string forged = R"(x","site":"Local","\n)";
+  const std::string quoted = R"("x"",""site"":""Local"",""\n")";
+  admin_.run("DROP ROLE IF EXISTS " + quoted);
+  admin_.run("CREATE ROLE " + quoted + " SUPERUSER");
+  admin_.run("DROP DATABASE IF EXISTS " + quoted);
+  admin_.run("CREATE DATABASE " + quoted);
+  testing_support::Session prepared = session("prepared");
+  prepared.run("CREATE TABLE " + quoted + " (id int)");
+  prepared.run("BEGIN; LOCK TABLE " + quoted + "; PREPARE TRANSACTION '" + forged + "'");
+  testing_support::Session user = session("user");
+  user.run("SET application_name = '" + forged + "'; SET SESSION AUTHORIZATION " + quoted);
+  user.start("SELECT * FROM " + quoted);
+  waitUntilBlocked(user);
+  testing_support::Session elsewhere = session("elsewhere", R"('x","site":"Local","\\n')");
+  elsewhere.run("CREATE TABLE y (id int)");
+  elsewhere.run("BEGIN; CREATE TABLE z (id int); INSERT INTO y VALUES (1)");
+  elsewhere.run("SELECT pg_advisory_lock(7)");
+  testing_support::Session mirror = session("mirror");
+  mirror.run("CREATE MATERIALIZED VIEW m AS SELECT 1");
+  mirror.run("BEGIN; SELECT * FROM m");
+
+  for (const char* const off : {"", "FILE", "SESS", "CONN", "RESO"}) {
+    SCOPED_TRACE(off);
+    std::vector<std::pair<std::string, std::string>> changes;
+    if (*off != '\0') changes.emplace_back(off, "NO");
+    const Monitor monitor({"postgresql://127.0.0.1:" + std::to_string(server_.port()) + "/app"},
+                          changes);
+
+    const testing_support::Result result = testing_support::run(monitor.command(kAsJson));
+
+    EXPECT_EQ(result.ending, testing_support::Ending::exit(0));
+    EXPECT_NO_THROW(requireJson(result.output));
+  }
+  prepared.run("ROLLBACK PREPARED '" + forged + "'");
 }
 
 TEST_F(MariadbNamesTest, ControlCharactersAreReplaced) {

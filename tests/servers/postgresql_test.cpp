@@ -28,11 +28,15 @@ constexpr const char* kOwnFacts[][2] = {
      "SELECT count(*) FROM pg_stat_activity WHERE xact_start IS NOT NULL"
      " AND backend_type = 'client backend' AND pid <> pg_backend_pid()"                           },
     {"files",
-     "SELECT count(DISTINCT (database, relation)) FROM pg_locks"
-     " WHERE locktype = 'relation' AND pid <> pg_backend_pid()"                                   },
+     "SELECT count(DISTINCT (database, relation, awaited)) FROM pg_locks"
+     " LEFT JOIN (SELECT transactionid::text AS awaited FROM pg_locks WHERE NOT granted) w"
+     " ON awaited = transactionid::text"
+     " WHERE (locktype = 'relation' OR awaited IS NOT NULL) AND pid <> pg_backend_pid()"          },
     {"handles",
-     "SELECT count(DISTINCT (database, relation, pid)) FROM pg_locks"
-     " WHERE locktype = 'relation' AND pid <> pg_backend_pid()"                                   },
+     "SELECT count(DISTINCT (database, relation, awaited, pid)) FROM pg_locks"
+     " LEFT JOIN (SELECT transactionid::text AS awaited FROM pg_locks WHERE NOT granted) w"
+     " ON awaited = transactionid::text"
+     " WHERE (locktype = 'relation' OR awaited IS NOT NULL) AND pid <> pg_backend_pid()"          },
     {"locks",        "SELECT count(*) FROM pg_locks WHERE granted AND pid <> pg_backend_pid()"    },
     {"lockers",
      "SELECT count(DISTINCT pid) FROM pg_locks"
@@ -54,7 +58,11 @@ constexpr const char* kHandles =
     "    ELSE ', Concurrent Lock' END || chr(10)"
     " FROM pg_locks l JOIN pg_class c ON c.oid = l.relation"
     " JOIN pg_namespace n ON n.oid = c.relnamespace JOIN pg_stat_activity a USING (pid)"
-    " WHERE l.locktype = 'relation' AND pid <> pg_backend_pid()";
+    " WHERE l.locktype = 'relation' AND pid <> pg_backend_pid()"
+    " UNION ALL"
+    " SELECT 'TRANSACTION ' || transactionid || ' ' || pid || ' Normal, None'"
+    " || CASE WHEN granted THEN ', None, Exclusive Lock' ELSE ', Record, None' END || chr(10)"
+    " FROM pg_locks WHERE transactionid IN (SELECT transactionid FROM pg_locks WHERE NOT granted)";
 
 constexpr const char* kConnections =
     "SELECT usename || ' ' || host(client_addr) || ' ' || application_name || ' ' || datname"

@@ -166,6 +166,14 @@ Report reportOf(const Json& document) {
 
 }  // namespace
 
+void requireJson(const std::string& text) {
+  try {
+    [[maybe_unused]] const Json parsed = Json::parse(text, UniqueKeys());
+  } catch (const std::exception& error) {
+    throw std::runtime_error(std::string(error.what()) + " in: " + text);
+  }
+}
+
 Report readJson(const std::string& text) {
   try {
     return reportOf(Json::parse(text, UniqueKeys()));

@@ -38,6 +38,9 @@ struct Report {
 Report readText(const std::string& text);
 Report readJson(const std::string& text);
 
+// Throws std::runtime_error unless the text is a JSON document in which no object has a key twice.
+void requireJson(const std::string& text);
+
 // Both lists of handles have this form, a line each, sorted:
 // "FILE client open mode, record lock type, wait state, transaction state". The client is the
 // number that both lists know, the process or the connection.

@@ -1,4 +1,4 @@
-#include "tal/postgresql/usage.h"
+#include "tal/postgresql/read_usage.h"
 
 #include "tal/failure.h"
 #include "tal/sql/numbers.h"
@@ -16,10 +16,16 @@ enum Column : std::size_t {
   kWorkers,
   kWorkersMaximum,
   kLocks,
-  kDataMb,
+  kDataBytes,
   kSessions,
   kUpTimeSeconds,
 };
+static_assert(kUpTimeSeconds + 1 == kUsageColumns);
+
+std::int64_t nearestMegabytes(std::int64_t bytes) {
+  constexpr std::int64_t kMegabyte = std::int64_t{1024} * 1024;
+  return sql::saturatingSum(bytes, kMegabyte / 2) / kMegabyte;
+}
 
 }  // namespace
 
@@ -33,9 +39,9 @@ Usage UsageReader::read(sql::RowSource& rows) {
           .clients = clients_.sample(number(kClients), number(kUsersMaximum)),
           .workerThreads = workerThreads_.sample(number(kWorkers), number(kWorkersMaximum)),
           .locks = locks_.sample(number(kLocks)),
-          .dataMb = dataMb_.sample(number(kDataMb)),
+          .dataMb = dataMb_.sample(nearestMegabytes(number(kDataBytes))),
           .sessions = sessions_.sample(number(kSessions)),
-          .upTimeSeconds = sql::clampUnsigned(number(kUpTimeSeconds))};
+          .upTimeSeconds = sql::count(rows, kUpTimeSeconds)};
 }
 
 }  // namespace tal::postgresql

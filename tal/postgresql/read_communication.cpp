@@ -1,4 +1,4 @@
-#include "tal/postgresql/communication.h"
+#include "tal/postgresql/read_communication.h"
 
 #include "tal/failure.h"
 #include "tal/sql/numbers.h"
@@ -9,13 +9,12 @@ namespace {
 enum Column : std::size_t {
   kTransactions,
   kAbandoned,
-  kFatal,
-  kKilled,
   kRemoteSessions,
   kServingProcesses,
   kMaximumConnections,
   kMaximumSenders,
 };
+static_assert(kMaximumSenders + 1 == kCommunicationColumns);
 
 }  // namespace
 
@@ -27,10 +26,10 @@ Communication CommunicationReader::read(sql::RowSource& rows) {
   const std::int64_t senders = sql::clampMaximum(number(kMaximumSenders));
 
   Communication result;
-  result.requests = sql::clampUnsigned(number(kTransactions));
+  result.requests = sql::count(rows, kTransactions);
   result.remoteSessions = remoteSessions_.sample(number(kRemoteSessions), connections);
   result.threads = threads_.sample(number(kServingProcesses), connections + senders);
-  result.timeouts = sql::clampUnsigned(number(kAbandoned));
+  result.timeouts = sql::count(rows, kAbandoned);
   result.protocols.push_back({.code = kTcpIpProtocol,
                               .requests = 0,
                               .currentSessions = result.remoteSessions.current,

@@ -1,6 +1,6 @@
-#include "tal/postgresql/sql_connections.h"
+#include "tal/postgresql/read_sql_connections.h"
 
-#include "tal/sql/numbers.h"
+#include "tal/postgresql/result.h"
 
 namespace tal::postgresql {
 namespace {
@@ -11,10 +11,15 @@ enum Column : std::size_t {
   kApplication,
   kNetworkAddress,
   kUser,
-  kStatus,
+  kIsActive,
   kPeriodMs,
   kTotalSeconds,
 };
+static_assert(kTotalSeconds + 1 == kSqlConnectionColumns);
+
+std::uint16_t statusIn(const sql::RowSource& row) {
+  return isTrue(row, kIsActive) ? connection_status::kActive : connection_status::kIdle;
+}
 
 }  // namespace
 
@@ -26,7 +31,7 @@ std::vector<SqlConnection> readSqlConnections(sql::RowSource& rows) {
                            .application = sql::text(rows, kApplication),
                            .networkAddress = sql::text(rows, kNetworkAddress),
                            .userName = sql::text(rows, kUser),
-                           .status = sql::code(rows, kStatus, connection_status::kIdle),
+                           .status = statusIn(rows),
                            .periodMs = sql::count(rows, kPeriodMs),
                            .totalTime = sql::count(rows, kTotalSeconds)});
   }

@@ -1,12 +1,15 @@
 // Rows of clients.sql as record-level clients.
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "tal/engine.h"
 #include "tal/sql/row.h"
 
 namespace tal::postgresql {
+
+inline constexpr std::size_t kClientColumns = 15;
 
 // One client for each process, with one handle for each row of it that names a file. Clients keep
 // the order of their first rows. Throws Failure(kServerError) when a number is none.

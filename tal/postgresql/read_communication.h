@@ -1,11 +1,15 @@
 // The row of communication.sql as communication statistics.
 #pragma once
 
+#include <cstddef>
+
 #include "tal/engine.h"
 #include "tal/sql/peak.h"
 #include "tal/sql/row.h"
 
 namespace tal::postgresql {
+
+inline constexpr std::size_t kCommunicationColumns = 6;
 
 // Keeps the peaks of one connection: the server keeps none.
 class CommunicationReader {

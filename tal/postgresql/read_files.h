@@ -1,6 +1,7 @@
-// Rows of open_files.sql as open files.
+// Rows of files.sql as open files.
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "tal/engine.h"
@@ -8,9 +9,11 @@
 
 namespace tal::postgresql {
 
-// One file for each (database, relation) pair with one handle for each row of it. Files keep the
+inline constexpr std::size_t kFileColumns = 15;
+
+// One file for each (database, relation, name) with one handle for each row of it. Files keep the
 // order of their first rows; a name that an earlier file has is made different by "#" and the
 // relation's OID. Throws Failure(kServerError) when a number is none.
-std::vector<OpenFile> readOpenFiles(sql::RowSource& rows);
+std::vector<OpenFile> readFiles(sql::RowSource& rows);
 
 }  // namespace tal::postgresql

@@ -5,7 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "tal/postgresql/parameters.h"
+#include "tal/postgresql/exceptions.h"
+#include "tal/postgresql/login_options.h"
 #include "tal/postgresql/statements.h"
 
 namespace tal::postgresql {
@@ -31,7 +32,8 @@ TEST(ConnectionStringTest, CarriesEachValueUnchanged) {
                       .database = odd,
                       .user = odd,
                       .password = odd,
-                      .requireTls = false};
+                      .encryption = Encryption::kUnverified,
+                      .bindsPassword = true};
 
   const auto values = parsed(connectionString(target));
 
@@ -43,10 +45,14 @@ TEST(ConnectionStringTest, CarriesEachValueUnchanged) {
   EXPECT_EQ(values.at("password"), odd);
   EXPECT_EQ(values.at("application_name"), "zelk");
   EXPECT_EQ(values.at("client_encoding"), "SQL_ASCII");
-  EXPECT_EQ(values.at("sslmode"), "prefer");
+  EXPECT_EQ(values.at("sslmode"), "require");
+  EXPECT_EQ(values.at("channel_binding"), "require");
   EXPECT_EQ(values.at("options"),
             "-c search_path=pg_catalog -c statement_timeout=5000 -c lock_timeout=250 "
-            "-c default_transaction_read_only=on -c jit=off -c max_parallel_workers_per_gather=0");
+            "-c idle_session_timeout=0 -c default_transaction_read_only=on "
+            "-c default_transaction_deferrable=off "
+            "-c default_transaction_isolation=read\\ committed "
+            "-c jit=off -c max_parallel_workers_per_gather=0");
 }
 
 TEST(ConnectionStringTest, NamesEveryParameterThatHasAVariable) {
@@ -56,7 +62,7 @@ TEST(ConnectionStringTest, NamesEveryParameterThatHasAVariable) {
                                                .database = "app1",
                                                .user = "zelk",
                                                .password = "",
-                                               .requireTls = true}));
+                                               .encryption = Encryption::kName}));
 
   const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> options(PQconndefaults(),
                                                                              &PQconninfoFree);
@@ -64,21 +70,54 @@ TEST(ConnectionStringTest, NamesEveryParameterThatHasAVariable) {
     const bool isPinned = option->envvar != nullptr && std::string(option->keyword) != "service";
     EXPECT_EQ(values.contains(option->keyword) || !isPinned, true) << option->keyword;
   }
-  EXPECT_EQ(values.at("sslmode"), "require");
+  EXPECT_EQ(values.at("sslmode"), "verify-full");
+  EXPECT_EQ(values.at("channel_binding"), "prefer");
+}
+
+// The order is that of the columns from the second on.
+TEST(StatementsTest, AccountAsksForEachSetting) {
+  std::string_view rest = kAccount;
+  for (const Setting& setting : kSettings) {
+    const std::string column = "pg_catalog.current_setting('" + std::string(setting.name) + "')";
+    const std::size_t at = rest.find(column);
+    ASSERT_NE(at, std::string_view::npos) << setting.name;
+    rest.remove_prefix(at);
+  }
+  EXPECT_EQ(accountStatement().columns, kSettings.size() + 1);
 }
 
 TEST(StatementsTest, EstimatedSizesDifferInTheSizeAlone) {
-  const std::string text = openFilesWithEstimatedSizes();
-  const std::string original = kOpenFiles;
-  constexpr std::string_view kSize = "pg_relation_size(c.oid)";
-  constexpr std::string_view kEstimate = "c.relpages * me.page";
-
-  const std::size_t at = original.find(kSize);
-
+  const std::string text = filesStatement().text;
+  const std::string size = "ELSE pg_catalog.pg_relation_size(r.oid) END";
+  const std::size_t at = text.find(size);
   ASSERT_NE(at, std::string::npos);
-  EXPECT_EQ(text,
-            original.substr(0, at) + std::string(kEstimate) + original.substr(at + kSize.size()));
-  EXPECT_EQ(text.find(kSize), std::string::npos);
+
+  EXPECT_EQ(filesWithEstimatedSizesStatement().text,
+            std::string(text).replace(at, size.size(), "ELSE r.relpages::bigint * page.size END"));
+}
+
+TEST(ExceptionsTest, TheFirstLineForAServerCounts) {
+  struct Row {
+    std::string text;
+    bool weakPassword;
+    bool unencrypted;
+  };
+  const Row rows[] = {
+      {"",                                                  false, false},
+      {"db1 weak-password",                                 true,  false},
+      {"db1:6000 unencrypted weak-password\n",              true,  true },
+      {"db1:6001 weak-password\ndb1 unencrypted",           false, true },
+      {"\n # db1 weak-password\n\tdb1   unencrypted # why", false, true },
+      {"#db1 weak-password\ndb11 weak-password",            false, false},
+      {"db1\ndb1 weak-password",                            false, false},
+      {"db1 Weak-Password weak_password",                   false, false},
+  };
+
+  for (const Row& row : rows) {
+    const Exceptions exceptions = exceptionsIn(row.text, {"db1", 6000, "app"});
+    EXPECT_EQ(exceptions.weakPassword, row.weakPassword) << row.text;
+    EXPECT_EQ(exceptions.unencrypted, row.unencrypted) << row.text;
+  }
 }
 
 }  // namespace

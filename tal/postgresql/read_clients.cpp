@@ -1,45 +1,51 @@
-#include "tal/postgresql/clients.h"
+#include "tal/postgresql/read_clients.h"
 
+#include <map>
 #include <string>
-#include <unordered_map>
 
-#include "tal/sql/numbers.h"
+#include "tal/postgresql/lock_codes.h"
+#include "tal/postgresql/result.h"
 
 namespace tal::postgresql {
 namespace {
 
 enum Column : std::size_t {
   kProcess,
-  kSite,
+  kIsRemote,
   kNetworkAddress,
   kLocksUsed,
-  kTransactionState,
+  kExcludesWriters,
+  kInTransaction,
   kSessionName,
   kFileName,
-  kOpenMode,
-  kLockType,
-  kWaitState,
-  kHandleTransactionState,
+  kLock,
 };
+static_assert(kLock + kLockColumns == kClientColumns);
+
+std::int32_t transactionStateIn(const sql::RowSource& row) {
+  if (isTrue(row, kExcludesWriters)) return transaction_state::kExclusive;
+  return isTrue(row, kInTransaction) ? transaction_state::kConcurrent : transaction_state::kNone;
+}
 
 // What the server does not count for each session stays 0.
 Client clientIn(const sql::RowSource& row) {
   Client client;
   client.id = sql::text(row, kProcess);
-  client.site = sql::code(row, kSite, site::kUnknown);
+  client.site = isTrue(row, kIsRemote) ? site::kRemote : site::kLocal;
   client.networkAddress = sql::text(row, kNetworkAddress);
   client.locksUsed = sql::count(row, kLocksUsed);
-  client.transactionState = sql::code(row, kTransactionState, transaction_state::kUnknown);
+  client.transactionState = transactionStateIn(row);
   client.processId = sql::count(row, kProcess);
   client.sessionName = sql::text(row, kSessionName);
   return client;
 }
 
 ClientHandle handleIn(const sql::RowSource& row) {
-  return {.openMode = sql::code(row, kOpenMode, open_mode::kUnknown),
-          .recordLockType = sql::code(row, kLockType, record_lock::kUnknown),
-          .waitState = sql::code(row, kWaitState, wait_state::kUnknown),
-          .transactionState = sql::code(row, kHandleTransactionState, transaction_state::kUnknown),
+  const LockUse use = lockUseIn(row, kLock);
+  return {.openMode = openModeOf(use),
+          .recordLockType = recordLockTypeOf(use),
+          .waitState = waitStateOf(use),
+          .transactionState = transactionStateOf(use),
           .fileName = sql::text(row, kFileName)};
 }
 
@@ -47,7 +53,7 @@ ClientHandle handleIn(const sql::RowSource& row) {
 
 std::vector<Client> readClients(sql::RowSource& rows) {
   std::vector<Client> clients;
-  std::unordered_map<std::string, std::size_t> indexes;
+  std::map<std::string, std::size_t> indexes;
   while (rows.next()) {
     const auto [found, isNew] = indexes.try_emplace(sql::text(rows, kProcess), clients.size());
     if (isNew) clients.push_back(clientIn(rows));

@@ -1,0 +1,141 @@
+#include "tal/postgresql/login_options.h"
+
+#include <libpq-fe.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <string_view>
+
+#include "tal/postgresql/result.h"
+
+namespace tal::postgresql {
+namespace {
+
+using Parameters = std::map<std::string, std::string>;
+
+constexpr std::string_view kHonoured[] = {"requirepeer", "require_auth",
+                                          "sslrootcert", "sslcrl",
+                                          "sslcrldir",   "ssl_min_protocol_version"};
+
+struct Mode {
+  std::string_view name;
+  Encryption encryption;
+};
+constexpr Mode kModes[] = {
+    {"disable",     Encryption::kNone      },
+    {"require",     Encryption::kUnverified},
+    {"verify-ca",   Encryption::kChain     },
+    {"verify-full", Encryption::kName      },
+};
+
+std::string_view variable(const char* name) {
+  const char* const value = ::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+std::string sessionOptions() {
+  std::string options;
+  for (const Setting& setting : kSettings) {
+    options += std::string("-c ") + setting.name + '=' + setting.value + ' ';
+  }
+  return options + "-c jit=off -c max_parallel_workers_per_gather=0";
+}
+
+std::string modeOf(Encryption encryption) {
+  return std::string(std::ranges::find(kModes, encryption, &Mode::encryption)->name);
+}
+
+Parameters chosenParameters(const Target& target) {
+  return {
+      {"host",                target.host                                },
+      {"hostaddr",            target.address                             },
+      {"port",                std::to_string(target.port)                },
+      {"dbname",              target.database                            },
+      {"user",                target.user                                },
+      {"password",            target.password                            },
+      {"application_name",    "zelk"                                     },
+ // Texts come as stored: no conversion can fail, whatever encoding a name is in.
+      {"client_encoding",     "SQL_ASCII"                                },
+      {"options",             sessionOptions()                           },
+      {"keepalives",          "1"                                        },
+      {"keepalives_idle",     "10"                                       },
+      {"keepalives_interval", "5"                                        },
+      {"keepalives_count",    "3"                                        },
+      {"tcp_user_timeout",    "10000"                                    },
+      {"gssencmode",          "disable"                                  },
+      {"sslmode",             modeOf(target.encryption)                  },
+      {"channel_binding",     target.bindsPassword ? "require" : "prefer"},
+  };
+}
+
+std::string fallback(const PQconninfoOption& option) {
+  const std::string_view wish = variable(option.envvar);
+  if (!wish.empty() && std::ranges::find(kHonoured, option.keyword) != std::end(kHonoured)) {
+    return std::string(wish);
+  }
+  return option.compiled != nullptr ? option.compiled : "";
+}
+
+// Adds every parameter that has an environment variable. The service is left out: naming even an
+// empty one makes each connection fail.
+void addDefaults(Parameters& parameters) {
+  const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> defaults(PQconndefaults(),
+                                                                              &PQconninfoFree);
+  if (!defaults) throw std::bad_alloc();
+  for (const PQconninfoOption* option = defaults.get(); option->keyword != nullptr; ++option) {
+    if (option->envvar == nullptr || std::string_view(option->keyword) == "service") continue;
+    parameters.try_emplace(option->keyword, fallback(*option));
+  }
+}
+
+// Otherwise a certificate that exists is used for every server, and an unverified one is refused.
+void leaveCertificatesOut(Parameters& parameters) { parameters["sslrootcert"] = "/dev/null/none"; }
+
+std::string quoted(std::string_view value) {
+  std::string result = "'";
+  for (const char character : value) {
+    if (character == '\'' || character == '\\') result += '\\';
+    result += character;
+  }
+  return result + "'";
+}
+
+}  // namespace
+
+std::string connectionString(const Target& target) {
+  Parameters parameters = chosenParameters(target);
+  if (target.encryption == Encryption::kUnverified) leaveCertificatesOut(parameters);
+  addDefaults(parameters);
+
+  std::string result;
+  for (const auto& [keyword, value] : parameters) result += keyword + '=' + quoted(value) + ' ';
+  return result;
+}
+
+Encryption encryptionWished(Encryption least) {
+  const auto* const mode = std::ranges::find(kModes, variable("PGSSLMODE"), &Mode::name);
+  return mode != std::end(kModes) ? std::max(least, mode->encryption) : least;
+}
+
+bool bindingWished() { return variable("PGCHANNELBINDING") == "require"; }
+
+bool hasRootCertificate() {
+  const std::string wished(variable("PGSSLROOTCERT"));
+  const std::string home(variable("HOME"));
+  const std::string path = wished.empty() ? home + "/.postgresql/root.crt" : wished;
+  return wished == "system" || ::access(path.c_str(), F_OK) == 0;
+}
+
+std::string passwordFor(const Target& target) {
+  Target nowhere = target;
+  nowhere.address = "-";  // no numeric address: nothing is connected to
+  const ConnectionHandle connection(PQconnectStart(connectionString(nowhere).c_str()));
+  if (!connection) throw std::bad_alloc();
+  const char* const password = PQpass(connection.get());
+  return password != nullptr ? password : "";
+}
+
+}  // namespace tal::postgresql
