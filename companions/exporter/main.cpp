@@ -1,0 +1,111 @@
+// zelk-exporter: serves metrics of engines over HTTP.
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+
+#include "companions/exporter/http_server.h"
+#include "companions/exporter/once.h"
+#include "companions/exporter/options.h"
+#include "companions/exporter/pages.h"
+
+namespace exporter {
+namespace {
+
+constexpr auto kTimeToStop = std::chrono::seconds(2);
+
+companions::Settings settingsIn(const std::string& path) {
+  const companions::Settings settings = companions::readSettings(path);
+  const companions::Sections& wanted = settings.sections;
+  if (!wanted.files && !wanted.clients && !wanted.sqlConnections && !wanted.usage &&
+      !wanted.communication) {
+    throw std::runtime_error(
+        "no section is switched on: set FILE, SESS, CONN, RESO or COMM to YES");
+  }
+  return settings;
+}
+
+Targets targetsFor(const Options& options) {
+  const auto turn = options.oneAtATime ? std::make_shared<std::mutex>() : nullptr;
+  Targets targets;
+  for (const auto& [name, path] : targetFiles(options.configurations)) {
+    try {
+      targets.push_back(std::make_unique<Target>(name, settingsIn(path), turn));
+    } catch (...) {
+      std::fprintf(stderr, "zelk-exporter: %s:\n", path.c_str());
+      throw;
+    }
+  }
+  return targets;
+}
+
+// Ends the process if an engine hangs, because nothing else ends its thread.
+void stop(const Targets& targets) {
+  const Clock::time_point deadline = Clock::now() + kTimeToStop;
+  for (const auto& target : targets) target->requestStop();
+  for (const auto& target : targets) {
+    if (!target->hasStopped(deadline)) std::_Exit(EXIT_SUCCESS);
+  }
+}
+
+// The signals that end the program. No thread but the main one takes them: they are blocked before
+// any other is started.
+class StopSignals {
+ public:
+  StopSignals() {
+    sigemptyset(&signals_);
+    for (const int signal : kSignals) sigaddset(&signals_, signal);
+    pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
+  }
+
+  void await() const {
+    int signal = 0;
+    sigwait(&signals_, &signal);
+  }
+
+  // From now on they end the process at once.
+  void endProcess() const {
+    for (const int signal : kSignals) std::signal(signal, [](int) { std::_Exit(EXIT_SUCCESS); });
+    pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);
+  }
+
+ private:
+  static constexpr int kSignals[] = {SIGINT, SIGTERM};
+  sigset_t signals_{};
+};
+
+void serve(const Options& options, const Targets& targets, const StopSignals& signals) {
+  const Address address = addressIn(options.listen);
+  Pages pages(targets, address.text(), options.files);
+  const HttpServer server(
+      address, options.webConfig.empty() ? WebConfig() : readWebConfig(options.webConfig),
+      options.insecure, [&](const Request& request) { return pages.answer(request); });
+  std::fprintf(stderr, "zelk-exporter: %zu targets, listening on %s\n", targets.size(),
+               Address{address.host, std::to_string(server.port())}.text().c_str());
+  signals.await();
+  for (const auto& target : targets) target->requestStop();
+}
+
+}  // namespace
+
+void run(int argc, char** argv) {
+  const auto options = optionsIn(argc, argv);
+  if (!options) return;
+  std::signal(SIGPIPE, SIG_IGN);
+  const StopSignals signals;
+  const companions::EngineLibrary library;
+  const Targets targets = targetsFor(*options);
+  if (options->once) {
+    signals.endProcess();
+    writeOnce(*options, targets);
+  } else {
+    serve(*options, targets, signals);
+  }
+  stop(targets);
+}
+
+}  // namespace exporter
+
+int main(int argc, char** argv) {
+  return companions::runProgram(exporter::kProgram, [&] { exporter::run(argc, argv); });
+}

@@ -1,0 +1,37 @@
+// The command line of the exporter.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "companions/shared/command_line.h"
+
+namespace exporter {
+
+extern const companions::Program kProgram;
+
+struct Options {
+  std::vector<std::string> configurations;  // files, and folders of files
+  std::string listen = "127.0.0.1:10893";
+  std::string webConfig;  // empty where none is named
+  std::string output;     // of --once; empty for standard output
+  std::size_t files = 0;  // how many files are served by name
+  bool once = false;
+  bool insecure = false;
+  bool oneAtATime = false;
+};
+
+// Nothing where --help or --version was asked for and printed. Throws companions::WrongCommandLine.
+[[nodiscard]] std::optional<Options> optionsIn(int argc, char** argv);
+
+// The configuration files that are named: each file, and for a folder all in it that end in ".cfg",
+// by name. Throws companions::WrongCommandLine where two targets would have one name.
+struct TargetFile {
+  std::string name;  // of the target: the file's, without folder and extension
+  std::string path;
+};
+[[nodiscard]] std::vector<TargetFile> targetFiles(const std::vector<std::string>& configurations);
+
+}  // namespace exporter
