@@ -1,47 +1,44 @@
-// One session on a server, by its client library.
+// One session on a server, and statements in it.
 #pragma once
 
-#include <mysql.h>
-
 #include <cstdint>
-#include <memory>
-#include <string>
 
-#include "tal/credentials.h"
-#include "tal/mariadb/encryption.h"
-#include "tal/mariadb/location.h"
 #include "tal/mariadb/result.h"
-#include "tal/sql/deadline.h"
 
 namespace tal::mariadb {
 
-struct CloseConnection {
-  void operator()(MYSQL* mysql) const noexcept;
+// What cannot change while the server runs.
+struct ServerFacts {
+  bool innodbReadOnly = false;
+  bool networking = true;  // whether the server listens to TCP at all
+  std::int64_t ariaBlockSize = 0;
+  std::int64_t myisamBlockSize = 0;
 };
 
-// Logged in from construction to destruction. No operation waits past its deadline, but for one
-// look-up: a host whose certificate is verified is looked up again by the library, as long as the
-// system's resolver takes. After Failure(kNoAnswer) or Failure(kConnectionLost) it is good for
-// nothing but to be destroyed; it never opens itself again.
+// Runs statements on a session that is logged in. The session is read-only, limits its own
+// statements, and belongs to an account that may see all that is reported. Not for use by several
+// threads at once.
 class Connection {
  public:
-  // Logs in by `credentials` as they are. Throws Failure; kNoAnswer when `deadline` passes first.
-  Connection(const Location& location, const Credentials& credentials, const Encryption& encryption,
-             const sql::Deadline& deadline);
+  // Makes the session fit for monitoring. Throws Failure: kVersionNotSupported for a server that is
+  // too old or no MariaDB; kPrivilegeMissing, because without PROCESS the server shows one's own
+  // row alone, and would look idle.
+  explicit Connection(SessionHandle session);
 
-  // The result of one statement, with all its rows. Throws Failure; kNoAnswer after
-  // sql::kStatementLimit or past `call`, whichever comes first.
-  Result query(const char* statement, const sql::Deadline& call);
+  // Runs a statement. Read its rows before the next one. A server that is silent for
+  // sql::kStatementLimit ends the session, but not while it encrypts: then only the limit of the
+  // whole call holds. Throws Failure.
+  Result run(const char* statement);
 
   // The session's number on the server, as its own process list and KILL have it.
   [[nodiscard]] std::int64_t id() const;
   // 101119 for version 10.11.19.
   [[nodiscard]] std::int64_t version() const;
-  // Whether the server is a MariaDB: others speak the same protocol.
-  [[nodiscard]] bool isMariaDb() const;
+  [[nodiscard]] const ServerFacts& facts() const { return facts_; }
 
  private:
-  std::unique_ptr<MYSQL, CloseConnection> mysql_;
+  SessionHandle session_;
+  ServerFacts facts_;
 };
 
 }  // namespace tal::mariadb

@@ -14,6 +14,8 @@ inline constexpr std::uint16_t kDefaultPort = 3306;
 struct Location {
   std::string socketPath;  // of a server on this machine; empty when it is reached by TCP
   sql::Address address;    // used when there is no socket path
+
+  [[nodiscard]] bool isSocket() const { return !socketPath.empty(); }
 };
 
 // Reads "host", "host:port", "[address]:port" or "/path/of/the/socket". A host is always reached by

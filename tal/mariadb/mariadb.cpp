@@ -2,93 +2,90 @@
 
 #include <utility>
 
-#include "tal/mariadb/clients.h"
-#include "tal/mariadb/communication.h"
-#include "tal/mariadb/data_files.h"
-#include "tal/mariadb/open_files.h"
+#include "tal/mariadb/connection.h"
+#include "tal/mariadb/handles.h"
+#include "tal/mariadb/login.h"
 #include "tal/mariadb/option_files.h"
-#include "tal/mariadb/session_keeper.h"
-#include "tal/mariadb/sql_connections.h"
+#include "tal/mariadb/read_clients.h"
+#include "tal/mariadb/read_communication.h"
+#include "tal/mariadb/read_files.h"
+#include "tal/mariadb/read_locks.h"
+#include "tal/mariadb/read_sql_connections.h"
+#include "tal/mariadb/read_usage.h"
 #include "tal/mariadb/statements.h"
-#include "tal/mariadb/table_handles.h"
-#include "tal/mariadb/table_locks.h"
-#include "tal/mariadb/usage.h"
+#include "tal/sql/bounded_engine.h"
+#include "tal/sql/handle_limit.h"
 #include "tal/sql/system_user.h"
 
 namespace tal::mariadb {
 namespace {
 
-using sql::Deadline;
-
 constexpr std::string_view kOptionGroup = "zelk";
 
 class MariaDbEngine final : public Engine {
  public:
-  MariaDbEngine(Location location, Credentials credentials, Encryption encryption)
-      : sessions_(std::move(location), std::move(credentials), std::move(encryption)) {}
+  explicit MariaDbEngine(SessionHandle session) : connection_(std::move(session)) {}
 
   Information information() override { return {}; }
 
   Version version() override {
-    const std::int64_t version = sessions_.version();
+    const std::int64_t version = connection_.version();
     return {.major = sql::clampMaximum(version / 10000),
             .minor = sql::clampMaximum(version / 100 % 100),
             .build = sql::clampMaximum(version % 100)};
   }
 
   Usage usage() override {
-    return sessions_.ask([this](Session& session, const Deadline& call) {
-      Result rows = session.query(kUsage, call);
-      return usage_.read(rows);
-    });
+    Result rows = connection_.run(kUsage);
+    return usage_.read(rows);
   }
 
   Communication communication() override {
-    return sessions_.ask([this](Session& session, const Deadline& call) {
-      Result rows = session.query(kCommunication, call);
-      return communication_.read(rows, session.facts().networking);
-    });
+    Result rows = connection_.run(kCommunication);
+    return communication_.read(rows, connection_.facts().networking);
   }
 
   std::vector<OpenFile> openFiles() override {
-    return sessions_.ask([](Session& session, const Deadline& call) {
-      const LockPicture picture = locks(session, call);
-      const std::vector<DataFile> files = dataFiles(session, call);
-      const std::vector<TableUse> uses = mergeLocks(picture.locks);
-      return openFilesOf(files, handlesOf(uses, TableFiles(files)), picture, session.facts());
-    });
+    const LockPicture picture = locks();
+    const std::vector<DataFile> files = dataFiles();
+    std::vector<OpenFile> result =
+        openFilesOf(files, handlesOf(picture, TableFiles(files)), connection_.facts());
+    sql::limitHandles(result);
+    return result;
   }
 
   std::vector<Client> clients() override {
-    return sessions_.ask([](Session& session, const Deadline& call) {
-      Result rows = session.query(kClients, call);
-      const std::vector<ClientRow> clientRows = decodeClients(rows);
-      const std::vector<TableUse> uses = mergeLocks(locks(session, call).locks);
-      const std::vector<DataFile> files = dataFiles(session, call);
-      const TableFiles tableFiles(files);
-      return clientsOf(clientRows, handlesOf(uses, tableFiles), tableFiles);
-    });
+    std::vector<Client> clients = listedClients();
+    const LockPicture picture = locks();
+    const std::vector<DataFile> files = dataFiles();
+    const TableFiles tableFiles(files);
+    addHandles(clients, handlesOf(picture, tableFiles), tableFiles);
+    sql::limitHandles(clients);
+    return clients;
   }
 
   std::vector<SqlConnection> sqlConnections() override {
-    return sessions_.ask([](Session& session, const Deadline& call) {
-      Result rows = session.query(kSqlConnections, call);
-      return decodeSqlConnections(rows);
-    });
+    Result rows = connection_.run(kSqlConnections);
+    return readSqlConnections(rows);
   }
 
  private:
-  static LockPicture locks(Session& session, const Deadline& call) {
-    Result rows = session.query(kHandles, call);
-    return decodeLocks(rows, session.id());
+  std::vector<Client> listedClients() {
+    Result rows = connection_.run(kClients);
+    return readClients(rows);
   }
 
-  static std::vector<DataFile> dataFiles(Session& session, const Deadline& call) {
-    Result rows = session.query(kFiles, call);
-    return decodeFiles(rows, session.facts());
+  LockPicture locks() {
+    Result rows = connection_.run(kLocks);
+    return readLocks(rows, connection_.id());
   }
 
-  SessionKeeper sessions_;
+  std::vector<DataFile> dataFiles() {
+    Result rows = connection_.run(kFiles);
+    return readFiles(rows, connection_.facts());
+  }
+
+  Connection connection_;
   UsageReader usage_;
   CommunicationReader communication_;
 };
@@ -105,10 +102,14 @@ Credentials completed(Credentials credentials, const Options& options) {
 }  // namespace
 
 std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials) {
-  Location parsed = parseLocation(location);
+  const Location parsed = parseLocation(location);
   const Options options = readOptions(kOptionGroup, standardOptionFiles());
-  return std::make_unique<MariaDbEngine>(std::move(parsed), completed(credentials, options),
-                                         encryptionOf(options));
+  const Credentials used = completed(credentials, options);
+  const Encryption encryption = encryptionOf(options);
+  return sql::openBounded([=](sql::SocketCutter& cutter) -> std::unique_ptr<Engine> {
+    const sql::Deadline deadline(sql::kConnectLimit);
+    return std::make_unique<MariaDbEngine>(login(parsed, used, encryption, cutter, deadline));
+  });
 }
 
 }  // namespace tal::mariadb

@@ -13,8 +13,8 @@ namespace tal::mariadb {
 // location.h), and checks that the account may see all that the engine reports. Throws Failure:
 // kBadServerName, kVersionNotSupported, or why the login failed.
 //
-// A session that the server has ended is opened again once in each call; the peaks that the engine
-// keeps survive that. No call takes longer than sql::kCallLimit.
+// What sql::openBounded() promises holds for the engine. No call takes longer than sql::kCallLimit,
+// and a lost session is not opened again.
 std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials);
 
 }  // namespace tal::mariadb

@@ -1,12 +1,17 @@
-// Figures that a statement gives as rows of a name and a number.
+// Figures that a statement gives as rows of a name and a number, and the two gauges that several
+// sections make of them.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
 
+#include "tal/engine.h"
 #include "tal/failure.h"
+#include "tal/sql/numbers.h"
+#include "tal/sql/peak.h"
 #include "tal/sql/row.h"
 
 namespace tal::mariadb {
@@ -23,8 +28,8 @@ class NamedValues {
     return value == values_.end() ? 0 : value->second;
   }
 
-  // Throws Failure(kServerError) for a figure that every server has and this answer lacks: an
-  // answer without rows must not look like a server that does nothing.
+  // Throws Failure(kServerError) when the answer lacks a figure that every server has: an answer
+  // without rows must not look like an idle server.
   [[nodiscard]] std::int64_t needed(std::string_view name) const {
     const auto value = values_.find(name);
     if (value == values_.end()) throw Failure(Status::kServerError);
@@ -34,5 +39,21 @@ class NamedValues {
  private:
   std::map<std::string, std::int64_t, std::less<>> values_;
 };
+
+// Connections: the one figure whose peak the server keeps, since its start or FLUSH STATUS. The
+// server reads current value and peak one after the other, so the peak may lag behind.
+inline Gauge connections(const NamedValues& values) {
+  const std::int64_t current = values["THREADS_CONNECTED"];
+  return {.current = sql::clampUnsigned(current),
+          .peak = sql::clampUnsigned(std::max(current, values["MAX_USED_CONNECTIONS"])),
+          .maximum = sql::clampMaximum(values["MAX_CONNECTIONS"])};
+}
+
+// The threads of the pool, on servers that have one.
+inline Gauge poolThreads(const NamedValues& values, sql::Peak& peak) {
+  return peak.sample(values["THREADPOOL_THREADS"], values["THREAD_POOL_MAX_THREADS"]);
+}
+
+inline bool hasThreadPool(const NamedValues& values) { return values["x_thread_pool"] != 0; }
 
 }  // namespace tal::mariadb

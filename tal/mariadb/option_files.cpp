@@ -1,11 +1,17 @@
 #include "tal/mariadb/option_files.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <set>
+#include <utility>
+
+#include "tal/text.h"
 
 namespace tal::mariadb {
 namespace {
@@ -15,6 +21,11 @@ namespace fs = std::filesystem;
 constexpr std::string_view kBlanks = " \t\r\f\v";
 constexpr std::string_view kInclude = "!include ";
 constexpr std::string_view kIncludeFolder = "!includedir ";
+constexpr std::string_view kPassword = "password";
+
+constexpr off_t kLargestFile = 1024L * 1024;
+constexpr int kDeepestInclude = 10;
+constexpr std::size_t kLongestWarning = 1000;
 
 std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(kBlanks);
@@ -76,12 +87,17 @@ std::string withoutEscapes(std::string_view value) {
   return result;
 }
 
-void addOption(std::string_view line, Options& options) {
+struct Option {
+  std::string name;
+  std::string value;
+};
+
+Option optionIn(std::string_view line) {
   const std::size_t equals = std::min(line.find('='), line.size());
   std::string name(trimmed(withoutComment(line.substr(0, equals))));
-  std::replace(name.begin(), name.end(), '_', '-');
+  std::ranges::replace(name, '_', '-');
   const std::string_view value = trimmed(line.substr(std::min(equals + 1, line.size())));
-  options[name] = withoutEscapes(withoutQuotes(withoutComment(value)));
+  return {std::move(name), withoutEscapes(withoutQuotes(withoutComment(value)))};
 }
 
 // Of a line that begins with "["; "" when it opens no group.
@@ -91,15 +107,32 @@ std::string_view groupOpenedBy(std::string_view line) {
   return trimmed(line.substr(1, close - 1));
 }
 
-std::optional<std::string> textOf(const fs::path& file) {
-  std::error_code error;
-  const fs::file_status status = fs::status(file, error);
-  if (error || !fs::is_regular_file(status)) return std::nullopt;
-  if ((status.permissions() & fs::perms::others_write) != fs::perms::none) return std::nullopt;
+// What can be trusted of a file: nothing of one that somebody else owns or may write.
+struct File {
+  std::string text;
+  bool isReadByOthers = false;
+};
 
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) return std::nullopt;
-  return std::string(std::istreambuf_iterator<char>(stream), {});
+bool isTrusted(const struct stat& status) {
+  const bool isOwn = status.st_uid == 0 || status.st_uid == ::geteuid();
+  return S_ISREG(status.st_mode) && isOwn && (status.st_mode & S_IWOTH) == 0 &&
+         status.st_size <= kLargestFile;
+}
+
+std::optional<File> trustedFile(const fs::path& path) {
+  constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;  // whatever the file is
+  const int descriptor = ::open(path.c_str(), kFlags);
+  struct stat status {};
+  if (descriptor < 0 || ::fstat(descriptor, &status) != 0 || !isTrusted(status)) {
+    if (descriptor >= 0) ::close(descriptor);
+    return std::nullopt;
+  }
+  File file{.text = std::string(static_cast<std::size_t>(status.st_size), '\0'),
+            .isReadByOthers = (status.st_mode & S_IROTH) != 0};
+  const ssize_t size = ::read(descriptor, file.text.data(), file.text.size());
+  ::close(descriptor);
+  file.text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+  return file;
 }
 
 std::vector<fs::path> optionFilesIn(const fs::path& folder) {
@@ -121,42 +154,58 @@ std::vector<fs::path> includedBy(std::string_view line) {
   return {};
 }
 
+void warnOfPassword(const fs::path& path) {
+  std::string line = path.string() + ": everybody can read the password in it, so it is not used";
+  fitText(line, kLongestWarning);
+  std::fprintf(stderr, "libtal: %s\n", line.c_str());
+}
+
 // Takes the lines of one file, and keeps whether they are in the group asked for.
 class LineReader {
  public:
-  LineReader(std::string_view group, Options& options) : group_(group), options_(options) {}
+  LineReader(std::string_view group, Options& options, bool isReadByOthers)
+      : group_(group), options_(options), isReadByOthers_(isReadByOthers) {}
 
-  void take(std::string_view line) {
-    if (line.empty() || line.front() == '#' || line.front() == ';') return;
+  // False for a password that is not taken because everybody can read it.
+  bool take(std::string_view line) {
+    if (line.empty() || line.front() == '#' || line.front() == ';') return true;
     if (line.front() == '[') {
       inGroup_ = groupOpenedBy(line) == group_;
-    } else if (inGroup_) {
-      addOption(line, options_);
+      return true;
     }
+    return !inGroup_ || add(optionIn(line));
   }
 
  private:
+  bool add(Option option) {
+    if (option.name == kPassword && isReadByOthers_) return false;
+    options_[std::move(option.name)] = std::move(option.value);
+    return true;
+  }
+
   std::string_view group_;
   Options& options_;
+  bool isReadByOthers_;
   bool inGroup_ = false;
 };
 
-// Reads a file with what it includes. Each file is read once, for files that include one another
-// would never end, or only after all ways through them.
+// Reads a file with what it includes.
 class FileReader {
  public:
   FileReader(std::string_view group, Options& options) : group_(group), options_(options) {}
 
-  void read(const fs::path& file) {
+  void read(const fs::path& path, int depth = 0) {
     std::error_code error;
-    if (!read_.insert(fs::canonical(file, error)).second || error) return;
-    const auto text = textOf(file);
-    if (!text) return;
+    // Each file is read once: includes may be cyclic.
+    if (!read_.insert(fs::canonical(path, error)).second || error) return;
+    const auto file = trustedFile(path);
+    if (!file) return;
 
-    LineReader reader(group_, options_);
-    for (const std::string_view line : linesOf(*text)) {
-      if (!line.starts_with('!')) reader.take(line);
-      for (const fs::path& included : includedBy(line)) read(included);
+    LineReader reader(group_, options_, file->isReadByOthers);
+    for (const std::string_view line : linesOf(file->text)) {
+      if (!line.starts_with('!') && !reader.take(line)) warnOfPassword(path);
+      if (depth == kDeepestInclude) continue;
+      for (const fs::path& included : includedBy(line)) read(included, depth + 1);
     }
   }
 

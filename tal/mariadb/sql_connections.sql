@@ -1,9 +1,10 @@
 -- Plain parts, joined by the library: a quarter cheaper for the server than its own joins.
 -- 'P': a connection with the milliseconds of its present command. 'T': the thread of a connection.
 -- 'S', 'D': by thread, its socket and the microseconds of its past idle times and statements.
--- 'A': by connection, what the client told of itself. Statements inside routines do not count, for
--- the statement that called the routine does.
-SELECT 'P' AS part, id, user, host AS address, db AS detail, command, CAST(time_ms AS SIGNED) AS number
+-- 'A': by connection, what the client said of itself. Statements inside routines do not count,
+-- because the statement that called the routine does.
+SELECT 'P' AS part, id, user AS name, host AS address, db AS detail, command,
+       CAST(time_ms AS SIGNED) AS number
   FROM information_schema.processlist
  WHERE command <> 'Daemon' AND user NOT IN ('system user', 'unauthenticated user')
 UNION ALL
@@ -23,6 +24,6 @@ SELECT 'D', thread_id, NULL, NULL, NULL, NULL, sum_timer_wait DIV 1000000
   FROM performance_schema.events_statements_summary_by_thread_by_event_name
  WHERE count_star > 0 AND (event_name LIKE 'statement/sql/%' OR event_name LIKE 'statement/com/%')
 UNION ALL
-SELECT 'A', processlist_id, NULL, NULL, attr_value, attr_name, NULL
+SELECT 'A', processlist_id, attr_name, NULL, attr_value, NULL, NULL
   FROM performance_schema.session_connect_attrs
  WHERE attr_name IN ('program_name', '_client_name')

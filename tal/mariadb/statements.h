@@ -11,7 +11,7 @@ extern const char kAccount[];  // fixed facts of the server; fails where a privi
 extern const char kUsage[];
 extern const char kCommunication[];
 extern const char kFiles[];
-extern const char kHandles[];  // for the files and the clients alike
+extern const char kLocks[];  // for the files and the clients alike
 extern const char kClients[];
 extern const char kSqlConnections[];
 

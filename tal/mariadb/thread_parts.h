@@ -1,29 +1,67 @@
-// Joining what the server counts by thread to the connections that the threads serve.
+// The parts of clients.sql and sql_connections.sql, joined to one record for each connection. Both
+// statements have the same columns, and the first one says which part a row belongs to.
 #pragma once
 
 #include <cstdint>
-#include <unordered_map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tal/sql/row.h"
 
 namespace tal::mariadb {
 
-// `Facts` are what is known by thread. Threads that serve no connection are carried but never asked
-// for.
-template <typename Facts>
-class ThreadParts {
- public:
-  Facts& ofThread(std::int64_t thread) { return facts_[thread]; }
+// The host of "host:port" as the server's process list has it: a resolved name or an address, the
+// port after the last colon. A connection by socket has no port.
+std::string_view hostOf(std::string_view hostAndPort);
 
-  void serve(std::int64_t thread, std::int64_t connection) { threads_[connection] = thread; }
+// What the server knows of a connection's other end.
+struct Peer {
+  std::string hostAndPort;
+  std::optional<std::string> ip;  // empty for a socket; not known without the performance schema
 
-  // The facts of the thread that serves `connection`; null when no thread is known to.
-  [[nodiscard]] const Facts* ofConnection(std::int64_t connection) {
-    const auto thread = threads_.find(connection);
-    return thread == threads_.end() ? nullptr : &facts_[thread->second];
-  }
+  // The address; the word "Socket" for a socket. Where it is not known, the host.
+  [[nodiscard]] std::string address() const;
 
- private:
-  std::unordered_map<std::int64_t, Facts> facts_;
-  std::unordered_map<std::int64_t, std::int64_t> threads_;  // by connection
+  // A code of tal::site: what comes by TCP is remote, from whatever machine, and counts as a remote
+  // session of the communication statistics.
+  [[nodiscard]] std::int32_t site() const;
 };
+
+// What is measured of the thread that serves a connection: nothing without the performance schema.
+struct ThreadFacts {
+  std::optional<std::string> ip;
+  std::int64_t recordsDeleted = 0;
+  std::int64_t recordsUpdated = 0;
+  std::int64_t recordsInserted = 0;
+  std::int64_t recordsRead = 0;
+  std::int64_t fileOperations = 0;
+  // All that it has done and waited for before its present command; none if it is not measured.
+  std::optional<double> pastMicroseconds;
+};
+
+// What a client says of itself when it connects.
+struct ClientWords {
+  std::string program;
+  std::string library;
+  std::int64_t processId = 0;  // on the client's machine
+};
+
+struct ConnectionFacts {
+  std::int64_t connection = 0;
+  std::string user;
+  Peer peer;
+  std::string database;
+  std::string command;
+  std::int64_t periodMs = 0;  // of the present command
+  ClientWords words;
+  ThreadFacts thread;
+  std::optional<std::int64_t> rowsLocked;  // of its transaction, if it is in one
+};
+
+// Reads all rows; the connections are sorted by their numbers. What is said of connections and
+// threads that no row lists is left out.
+std::vector<ConnectionFacts> joinParts(sql::RowSource& rows);
 
 }  // namespace tal::mariadb

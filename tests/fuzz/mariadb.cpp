@@ -3,13 +3,14 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "tal/mariadb/clients.h"
-#include "tal/mariadb/communication.h"
-#include "tal/mariadb/open_files.h"
-#include "tal/mariadb/sql_connections.h"
-#include "tal/mariadb/table_handles.h"
-#include "tal/mariadb/table_locks.h"
-#include "tal/mariadb/usage.h"
+#include "tal/mariadb/greeting.h"
+#include "tal/mariadb/handles.h"
+#include "tal/mariadb/read_clients.h"
+#include "tal/mariadb/read_communication.h"
+#include "tal/mariadb/read_files.h"
+#include "tal/mariadb/read_locks.h"
+#include "tal/mariadb/read_sql_connections.h"
+#include "tal/mariadb/read_usage.h"
 #include "tests/fuzz/served.h"
 #include "tests/fuzz/table.h"
 
@@ -39,17 +40,18 @@ Rows takeRows(std::string_view& input) {
 
 void readLists(const Answers& answers) {
   Table fileRows(answers.files);
-  const auto files = tal::mariadb::decodeFiles(fileRows, kFacts);
+  const auto files = tal::mariadb::readFiles(fileRows, kFacts);
   const tal::mariadb::TableFiles tableFiles(files);
   Table lockRows(answers.locks);
-  const auto picture = tal::mariadb::decodeLocks(lockRows, kOwnConnection);
-  const auto uses = tal::mariadb::mergeLocks(picture.locks);
-  require(uses.size() <= picture.locks.size(), "locks are merged, never made");
-  const auto handles = tal::mariadb::handlesOf(uses, tableFiles);
+  const auto picture = tal::mariadb::readLocks(lockRows, kOwnConnection);
+  require(picture.uses.size() <= 2 * answers.locks.size(), "locks are merged, never multiplied");
+  const auto handles = tal::mariadb::handlesOf(picture, tableFiles);
 
-  serve(tal::mariadb::openFilesOf(files, handles, picture, kFacts));
+  serve(tal::mariadb::openFilesOf(files, handles, kFacts));
   Table clientRows(answers.clients);
-  serve(tal::mariadb::clientsOf(tal::mariadb::decodeClients(clientRows), handles, tableFiles));
+  auto clients = tal::mariadb::readClients(clientRows);
+  tal::mariadb::addHandles(clients, handles, tableFiles);
+  serve(clients);
 }
 
 // Twice, because the readers keep the peaks.
@@ -67,6 +69,7 @@ void readStatistics(const Rows& rows) {
 }  // namespace
 
 void run(std::string_view input) {
+  tal::mariadb::greetingIn(input);
   Answers answers;
   for (Rows* rows :
        {&answers.files, &answers.locks, &answers.clients, &answers.connections, &answers.figures}) {
@@ -75,7 +78,7 @@ void run(std::string_view input) {
   decode([&] { readLists(answers); });
   decode([&] {
     Table table(answers.connections);
-    serve(tal::mariadb::decodeSqlConnections(table));
+    serve(tal::mariadb::readSqlConnections(table));
   });
   decode([&] { readStatistics(answers.figures); });
 }

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "tal/failure.h"
-#include "tal/mariadb/encryption.h"
+#include "tal/mariadb/login_options.h"
 #include "tests/fuzz/target.h"
 #include "tests/support/temporary_folder.h"
 

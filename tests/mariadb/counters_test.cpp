@@ -4,8 +4,8 @@
 #include <limits>
 
 #include "tal/failure.h"
-#include "tal/mariadb/communication.h"
-#include "tal/mariadb/usage.h"
+#include "tal/mariadb/read_communication.h"
+#include "tal/mariadb/read_usage.h"
 #include "tests/sql/table.h"
 
 namespace tal::mariadb {

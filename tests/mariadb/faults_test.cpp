@@ -2,9 +2,10 @@
 #include <signal.h>
 
 #include <chrono>
+#include <optional>
 
 #include "tal/mariadb/connection.h"
-#include "tal/mariadb/location.h"
+#include "tal/mariadb/login.h"
 #include "tal/mariadb/mariadb.h"
 #include "tests/mariadb/server_test.h"
 #include "tests/support/frozen.h"
@@ -32,34 +33,66 @@ Status boundedStatusOf(const std::function<void()>& action) {
   return status;
 }
 
-TEST_F(FaultsTest, EndedSessionIsOpenedAgain) {
-  const tal::Usage before = engine_->usage();
+TEST_F(FaultsTest, LostSessionStaysLost) {
   const std::string own = "SELECT id FROM information_schema.processlist WHERE user = 'zelk'";
-  const std::string first = admin_.value(own);
-  admin_.execute("KILL " + first);
+  admin_.execute("KILL " + admin_.value(own));
 
-  const tal::Usage after = engine_->usage();
-
-  EXPECT_GE(after.files.peak, before.files.current);
-  EXPECT_NE(admin_.value(own), first);
-  EXPECT_EQ(admin_.column(own).size(), 1U);
+  EXPECT_EQ(statusOf([&] { engine_->usage(); }), Status::kConnectionLost);
+  EXPECT_EQ(statusOf([&] { engine_->clients(); }), Status::kConnectionLost);
+  EXPECT_TRUE(waitUntil([&] { return admin_.column(own).empty(); }));
 }
 
+// A session of zelk's own, and what it makes of statements that zelk does not make.
+class StatementsTest : public FaultsTest {
+ protected:
+  void SetUp() override {
+    FaultsTest::SetUp();
+    connection_.emplace(tal::mariadb::login(tal::mariadb::parseLocation(locationOf(server_)),
+                                            {"app", "secret"}, {}, cutter_,
+                                            tal::sql::Deadline(tal::sql::kConnectLimit)));
+    connection_->run("USE app");
+  }
+
+  std::size_t rowsOf(const char* statement) {
+    tal::mariadb::Result rows = connection_->run(statement);
+    std::size_t count = 0;
+    while (rows.next()) ++count;
+    return count;
+  }
+
+  tal::sql::SocketCutter cutter_;
+  std::optional<tal::mariadb::Connection> connection_;
+};
+
 // Each row is more than the server keeps back before it sends.
-TEST_F(FaultsTest, SlowAnswersArriveWhole) {
-  const tal::sql::Deadline deadline(tal::sql::kCallLimit);
-  tal::mariadb::Connection connection(tal::mariadb::parseLocation(locationOf(server_)),
-                                      {"zelk", "secret"}, {}, deadline);
-
-  tal::mariadb::Result rows = connection.query(
-      "SELECT REPEAT('x', 100000), SLEEP(0.05) UNION ALL SELECT REPEAT('y', 100000), SLEEP(0.05)",
-      deadline);
+TEST_F(StatementsTest, SlowAnswersArriveWhole) {
+  tal::mariadb::Result rows = connection_->run(
+      "SELECT REPEAT('x', 50000), SLEEP(0.05) UNION ALL SELECT REPEAT('y', 50000), SLEEP(0.05)");
 
   ASSERT_TRUE(rows.next());
-  EXPECT_EQ(rows.cell(0), std::string(100000, 'x'));
+  EXPECT_EQ(rows.cell(0), std::string(50000, 'x'));
   ASSERT_TRUE(rows.next());
-  EXPECT_EQ(rows.cell(0), std::string(100000, 'y'));
+  EXPECT_EQ(rows.cell(0), std::string(50000, 'y'));
   EXPECT_FALSE(rows.next());
+}
+
+TEST_F(StatementsTest, AnswersHaveALimit) {
+  EXPECT_EQ(rowsOf("SELECT 1 FROM seq_1_to_250000"), 250'000U);
+  EXPECT_EQ(statusOf([&] { rowsOf("SELECT 1 FROM seq_1_to_250001"); }), Status::kAnswerTooLarge);
+  EXPECT_EQ(statusOf([&] { rowsOf("SELECT 1"); }), Status::kConnectionLost);
+}
+
+TEST_F(StatementsTest, BytesHaveALimit) {
+  EXPECT_EQ(statusOf([&] { rowsOf("SELECT REPEAT('x', 50000) FROM seq_1_to_2000"); }),
+            Status::kAnswerTooLarge);
+}
+
+TEST_F(StatementsTest, NoRowIsTakenThatIsLongerThanAnyOfOurs) {
+  EXPECT_EQ(statusOf([&] { rowsOf("SELECT REPEAT('x', 1000000)"); }), Status::kConnectionLost);
+}
+
+TEST_F(StatementsTest, ServerEndsWhatTakesTooLong) {
+  EXPECT_EQ(statusOf([&] { rowsOf("SELECT SLEEP(6) FROM seq_1_to_2"); }), Status::kNoAnswer);
 }
 
 TEST_F(FaultsTest, FrozenServer) {
@@ -70,7 +103,8 @@ TEST_F(FaultsTest, FrozenServer) {
     EXPECT_EQ(boundedStatusOf([&] { openEngine(server_); }), Status::kNoAnswer);
   }
 
-  EXPECT_EQ(statusOf([&] { engine_->clients(); }), Status::kSuccess);
+  EXPECT_EQ(statusOf([&] { engine_->clients(); }), Status::kConnectionLost);
+  EXPECT_EQ(statusOf([&] { openEngine(server_); }), Status::kSuccess);
 }
 
 TEST_F(FaultsTest, SilentListener) {
@@ -92,8 +126,8 @@ TEST_F(FaultsTest, KilledServer) {
   ::kill(server.process(), SIGKILL);
   ASSERT_TRUE(waitUntil([&] { return !Session::canLogIn(server.socketPath()); }));
 
-  EXPECT_EQ(boundedStatusOf([&] { engine->usage(); }), Status::kCannotReach);
-  EXPECT_EQ(boundedStatusOf([&] { engine->sqlConnections(); }), Status::kCannotReach);
+  EXPECT_EQ(boundedStatusOf([&] { engine->usage(); }), Status::kConnectionLost);
+  EXPECT_EQ(boundedStatusOf([&] { engine->sqlConnections(); }), Status::kConnectionLost);
 }
 
 TEST_F(FaultsTest, ProgramsOwnHandlingOfABrokenPipeStays) {

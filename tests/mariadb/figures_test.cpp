@@ -146,10 +146,10 @@ TEST_F(FiguresTest, FilesHavePagesAndSizes) {
   };
   EXPECT_NE(files.find("i.ibd 16384 " + sizeKb("i.ibd") + " 78\n"), files.npos) << files;
   EXPECT_NE(files.find("z.ibd 4096 " + sizeKb("z.ibd") + " 78\n"), files.npos) << files;
-  EXPECT_NE(files.find("m.MYI 1024 0 0\n"), files.npos) << files;
-  EXPECT_NE(files.find("m.MYD 0 0 0\n"), files.npos) << files;
-  EXPECT_NE(files.find("a.MAI 8192 0 0\n"), files.npos) << files;
-  EXPECT_NE(files.find("a.MAD 8192 0 0\n"), files.npos) << files;
+  EXPECT_NE(files.find("m.MYI 1024 0 78\n"), files.npos) << files;
+  EXPECT_NE(files.find("m.MYD 0 0 78\n"), files.npos) << files;
+  EXPECT_NE(files.find("a.MAI 8192 0 78\n"), files.npos) << files;
+  EXPECT_NE(files.find("a.MAD 8192 0 78\n"), files.npos) << files;
 }
 
 TEST_F(FiguresTest, ClientsCountTheRowsThatTheyTouched) {
@@ -164,7 +164,7 @@ TEST_F(FiguresTest, ClientsCountTheRowsThatTheyTouched) {
 
   EXPECT_EQ(row.id, std::to_string(user.id()));
   EXPECT_EQ(row.sessionName, "app@127.0.0.1 #" + row.id);
-  EXPECT_EQ(row.site, tal::site::kLocal);
+  EXPECT_EQ(row.site, tal::site::kRemote);
   EXPECT_EQ(row.networkAddress, "127.0.0.1");
   EXPECT_EQ(row.processId, static_cast<std::uint32_t>(::getpid()));
   EXPECT_EQ(row.recordsInserted, 4U);

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "tal/failure.h"
-#include "tal/mariadb/encryption.h"
+#include "tal/mariadb/login_options.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tal::mariadb {
@@ -18,6 +20,7 @@ class OptionFilesTest : public testing::Test {
   // The options of the group "zelk" in one file with this text.
   Options optionsOf(const std::string& text) {
     writeFile(folder_ / "my.cnf", text);
+    fs::permissions(folder_ / "my.cnf", fs::perms(0600));
     return readOptions("zelk", {folder_ / "my.cnf"});
   }
 
@@ -70,23 +73,23 @@ TEST_F(OptionFilesTest, OnlyTheGroupIsRead) {
 }
 
 TEST_F(OptionFilesTest, LaterFilesWin) {
-  writeFile(folder_ / "one.cnf", "[zelk]\npassword=one\nssl=1\n");
-  writeFile(folder_ / "two.cnf", "[zelk]\npassword=two\n");
+  writeFile(folder_ / "one.cnf", "[zelk]\nssl-key=one\nssl=1\n");
+  writeFile(folder_ / "two.cnf", "[zelk]\nssl-key=two\n");
 
   const Options options = readOptions(
       "zelk", {folder_ / "missing.cnf", folder_ / "one.cnf", folder_ / "two.cnf", folder_.path()});
 
   EXPECT_EQ(options, (Options{
-                         {"password", "two"},
-                         {"ssl",      "1"  }
+                         {"ssl",     "1"  },
+                         {"ssl-key", "two"}
   }));
 }
 
 TEST_F(OptionFilesTest, IncludesAreReadWhereTheyStand) {
   fs::create_directory(folder_ / "conf.d");
-  writeFile(folder_ / "conf.d/b.cnf", "[zelk]\npassword=b\nssl-cert=b\n");
-  writeFile(folder_ / "conf.d/a.cnf", "[zelk]\npassword=a\n");
-  writeFile(folder_ / "conf.d/not.txt", "[zelk]\npassword=not\n");
+  writeFile(folder_ / "conf.d/b.cnf", "[zelk]\nssl-crl=b\nssl-cert=b\n");
+  writeFile(folder_ / "conf.d/a.cnf", "[zelk]\nssl-crl=a\n");
+  writeFile(folder_ / "conf.d/not.txt", "[zelk]\nssl-crl=not\n");
   writeFile(folder_ / "self.cnf",
             "!include " + (folder_ / "self.cnf").string() + "\n[zelk]\nssl\n");
 
@@ -95,9 +98,9 @@ TEST_F(OptionFilesTest, IncludesAreReadWhereTheyStand) {
                 "\n!include " + (folder_ / "self.cnf").string() + "\nssl-key=late\n");
 
   EXPECT_EQ(options, (Options{
-                         {"password", "b"   },
                          {"ssl",      ""    },
                          {"ssl-cert", "b"   },
+                         {"ssl-crl",  "b"   },
                          {"ssl-key",  "late"}
   }));
 }
@@ -120,8 +123,56 @@ TEST_F(OptionFilesTest, RepeatedIncludesAreReadOnce) {
 }
 
 TEST_F(OptionFilesTest, FilesThatEveryoneMayWriteAreSkipped) {
-  writeFile(folder_ / "my.cnf", "[zelk]\npassword=planted\n");
+  writeFile(folder_ / "my.cnf", "[zelk]\nssl-ca=planted\n");
   fs::permissions(folder_ / "my.cnf", fs::perms(0666));
+
+  EXPECT_EQ(readOptions("zelk", {folder_ / "my.cnf"}), Options{});
+}
+
+TEST_F(OptionFilesTest, FilesOfOthersAreSkipped) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can give a file away";
+  writeFile(folder_ / "my.cnf", "[zelk]\nssl-ca=planted\n");
+  ASSERT_EQ(::chown((folder_ / "my.cnf").c_str(), 65534, 65534), 0);
+
+  EXPECT_EQ(readOptions("zelk", {folder_ / "my.cnf"}), Options{});
+}
+
+TEST_F(OptionFilesTest, PasswordThatEverybodyCanReadIsNotTaken) {
+  writeFile(folder_ / "my.cnf", "[zelk]\npassword=secret\nssl\n");
+  fs::permissions(folder_ / "my.cnf", fs::perms(0604));
+  testing::internal::CaptureStderr();
+
+  const Options options = readOptions("zelk", {folder_ / "my.cnf"});
+
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "libtal: " + (folder_ / "my.cnf").string() +
+                ": everybody can read the password in it, so it is not used\n");
+  EXPECT_EQ(options, (Options{
+                         {"ssl", ""}
+  }));
+}
+
+TEST_F(OptionFilesTest, HugeFilesAreSkipped) {
+  writeFile(folder_ / "my.cnf", "[zelk]\nssl\n");
+  fs::resize_file(folder_ / "my.cnf", 1024 * 1024);
+  EXPECT_TRUE(readOptions("zelk", {folder_ / "my.cnf"}).contains("ssl"));
+
+  fs::resize_file(folder_ / "my.cnf", 3ULL << 30);
+  EXPECT_EQ(readOptions("zelk", {folder_ / "my.cnf"}), Options{});
+}
+
+TEST_F(OptionFilesTest, IncludesEndAtTheTenth) {
+  const auto file = [this](int number) { return folder_ / (std::to_string(number) + ".cnf"); };
+  for (int number = 0; number < 100; ++number) {
+    const std::string ssl = "[zelk]\nssl-key=" + std::to_string(number) + "\n";
+    writeFile(file(number), ssl + "!include " + file(number + 1).string() + "\n");
+  }
+
+  EXPECT_EQ(readOptions("zelk", {file(0)}).at("ssl-key"), "10");
+}
+
+TEST_F(OptionFilesTest, PipesAreNotAwaited) {
+  ASSERT_EQ(::mkfifo((folder_ / "my.cnf").c_str(), 0600), 0);
 
   EXPECT_EQ(readOptions("zelk", {folder_ / "my.cnf"}), Options{});
 }
@@ -160,7 +211,10 @@ TEST(EncryptionTest, IsWantedWhenAskedFor) {
       {{{"ssl", "TRUE"}},                                           true,  false, 0},
       {{{"ssl", "0"}},                                              false, false, 0},
       {{{"ssl", "off"}},                                            false, false, 0},
-      {{{"ssl-ca", "f"}},                                           true,  false, 1},
+      {{{"ssl-ca", "f"}},                                           true,  true,  1},
+      {{{"ssl-capath", "f"}},                                       true,  true,  1},
+      {{{"ssl-ca", "f"}, {"ssl-verify-server-cert", "0"}},          true,  false, 1},
+      {{{"skip-ssl", ""}},                                          false, false, 0},
       {{{"ssl-ca", "f"}, {"ssl", "FALSE"}},                         false, false, 1},
       {{{"ssl", "0"}, {"ssl-enforce", "1"}},                        true,  false, 0},
       {{{"ssl-verify-server-cert", "1"}},                           true,  true,  0},
@@ -173,6 +227,8 @@ TEST(EncryptionTest, IsWantedWhenAskedFor) {
     EXPECT_EQ(encryption.wanted, row.wanted) << index;
     EXPECT_EQ(encryption.verified, row.verified) << index;
     EXPECT_EQ(encryption.settings.size(), row.settings) << index;
+    EXPECT_EQ(encryption.forNetwork().wanted, !encryption.refused) << index;
+    EXPECT_TRUE(!encryption.refused || !encryption.wanted) << index;
   }
 }
 

@@ -60,15 +60,14 @@ class ServerTest : public testing::Test {
   // Returns when a session's state in the process list is this one.
   void waitForState(const Session& session, const std::string& state);
 
-  // Handles on the file of the database "app", for instance "t.ibd", or on a table without a file,
-  // one line for each in the order of the list: "name (open mode, lock type, wait, transaction)".
+  // Handles on the file of the database "app", for instance "t.ibd", or on something without a
+  // file, one line for each in the order of the list: "name (open mode, lock type, wait,
+  // transaction)".
   std::string fileHandles(const std::string& file);
   std::string clientHandles(const std::string& file);
 
-  // Expects both lists to come to hold these handles; the second is for tables without a file,
-  // which the clients' list alone can hold.
+  // Expects both lists to come to hold these handles.
   void expectHandles(const std::string& file, const std::string& handles);
-  void expectClientHandles(const std::string& table, const std::string& handles);
 
   // Asks until a list answers what is expected, slowly enough for the server's picture to be new.
   void expectInTheEnd(const std::function<std::string()>& answer, const std::string& expected);

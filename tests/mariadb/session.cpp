@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "tal/mariadb/pipe_signal.h"
+#include "tal/mariadb/login.h"
 #include "tests/mariadb/private_server.h"
 
 namespace mariadb_testing {

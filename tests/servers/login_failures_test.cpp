@@ -47,15 +47,19 @@ std::vector<Failure> postgresqlFailures(const std::string& closed, const std::st
 std::vector<Failure> mariadbFailures(const std::string& closed, const std::string& silent) {
   const std::string server =
       "mariadb://" + mariadb_testing::locationOf(mariadb_testing::instrumentedServer());
+  const std::string process =
+      "Access denied; you need (at least one of) the PROCESS privilege(s) for this operation";
+  const std::string schema =
+      "SELECT command denied to user 'nops'@'127.0.0.1' for table `performance_schema`.`threads`";
   return {
-      {"wrong password",        {server, "zelk", "wrong"}, 7104},
-      {"unknown user",          {server, "nobody"},        7104},
-      {"missing PROCESS",       {server, "noproc"},        7105},
-      {"missing schema",        {server, "nops"},          7105},
-      {"a database is no part", {server + "/app"},         7121},
-      {"closed port",           {"mariadb://" + closed},   7103},
-      {"unknown scheme",        {"other://" + closed},     7102},
-      {"silent listener",       {"mariadb://" + silent},   7107},
+      {"wrong password",        {server, "zelk", "wrong"}, 7104, ""                             },
+      {"unknown user",          {server, "nobody"},        7104, ""                             },
+      {"missing PROCESS",       {server, "noproc"},        7105, process                        },
+      {"missing schema",        {server, "nops"},          7105, schema                         },
+      {"a database is no part", {server + "/app"},         7121, ""                             },
+      {"closed port",           {"mariadb://" + closed},   7103, closed + ": Connection refused"},
+      {"unknown scheme",        {"other://" + closed},     7102, ""                             },
+      {"silent listener",       {"mariadb://" + silent},   7107, ""                             },
   };
 }
 

@@ -201,20 +201,21 @@ TEST_F(InstrumentedTest, TextAndJsonListTheSame) {
   EXPECT_PRED_FORMAT2(sameText, describe(text.sessions), describe(json.sessions));
 }
 
-// Without handles the flags are known of a contended file only.
-void expectInnoDbFilesAlone(const Report& report) {
+// Files in contention are known to be locked.
+void expectInnoDbFilesAndLocksAtIssue(const Report& report) {
   std::map<std::string, std::string> flags;
   for (const Entry& file : report.files) {
     EXPECT_TRUE(file.name.ends_with(".IBD") || file.name.find("/DATA/IBDATA") != file.name.npos ||
                 file.name.find("/DATA/UNDO") != file.name.npos ||
-                file.name.find("/DATA/IBTMP") != file.name.npos)
+                file.name.find("/DATA/IBTMP") != file.name.npos || file.name[0] != '/')
         << file.name;
     flags[std::filesystem::path(file.name).filename()] =
         file.values.at("Record Locks") + ", " + file.values.at("Transaction Lock");
   }
 
-  EXPECT_EQ(flags["ORDERS.IBD"], "Yes, n/a");
-  EXPECT_EQ(flags["ITEMS.IBD"], "n/a, n/a");
+  EXPECT_EQ(flags["ORDERS.IBD"], "Yes, Yes");
+  EXPECT_EQ(flags["ITEMS.IBD"], "No, No");
+  EXPECT_EQ(flags["METADATA LOCK"], "No, No");
 }
 
 TEST_F(PlainTest, WhatIsLostShowsAsNothing) {
@@ -241,10 +242,11 @@ TEST_F(PlainTest, WhatIsLostShowsAsNothing) {
       EXPECT_EQ(session.values.at(lost), "0") << lost;
     }
   }
-  expectInnoDbFilesAlone(report);
+  expectInnoDbFilesAndLocksAtIssue(report);
 }
 
-TEST_F(PlainTest, NoHandlesMeansNothingListedWithThem) {
+// The file in contention, the metadata lock that Dave awaits, and Erin's transaction.
+TEST_F(PlainTest, LocksAtIssueAreListedWithTheirSessions) {
   const Monitor monitor({location()});
 
   const Report text = boundedReport([&] { return monitor.textReport(); });
@@ -252,8 +254,9 @@ TEST_F(PlainTest, NoHandlesMeansNothingListedWithThem) {
 
   for (const Report& report : {text, json}) {
     expectFigures(report);
-    EXPECT_EQ(report.files.size(), 0U);
-    EXPECT_EQ(report.sessions.size(), 0U);
+    EXPECT_EQ(report.files.size(), 3U);
+    EXPECT_EQ(report.sessions.size(), 4U);
+    EXPECT_EQ(linesOf(handlesOfFiles(report)).size(), 4U);
   }
 }
 

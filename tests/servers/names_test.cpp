@@ -94,8 +94,8 @@ TEST_F(MariadbNamesTest, ControlCharactersAreReplaced) {
       handlesOfFiles(report));
   ASSERT_EQ(report.sessions.size(), 1U);
   EXPECT_EQ(report.sessions[0].values.at("Session Name"),
-            "us\"er??[2Jx@127.0.0.1 #" + std::to_string(user.id()));
-  EXPECT_EQ(report.files[0].handles[0].values.at("Client Name"), "us\"er??[2Jx@127.0.0.1");
+            "us?er??[2Jx@127.0.0.1 #" + std::to_string(user.id()));
+  EXPECT_EQ(report.files[0].handles[0].values.at("Client Name"), "us?er??[2Jx@127.0.0.1");
 }
 
 }  // namespace

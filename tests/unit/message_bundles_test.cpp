@@ -139,7 +139,7 @@ Keys statuses() {
 
 Keys serverErrorsInSources() {
   static const std::regex kPassedThrough("passedThrough\\((ER_\\w+)\\)");
-  const std::string source = testing_support::readFile(kRoot / "tal/mariadb/server_errors.cpp");
+  const std::string source = testing_support::readFile(kRoot / "tal/mariadb/errors.cpp");
   const auto found = matches(source, kPassedThrough);
   return {found.begin(), found.end()};
 }

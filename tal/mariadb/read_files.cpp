@@ -1,4 +1,4 @@
-#include "tal/mariadb/data_files.h"
+#include "tal/mariadb/read_files.h"
 
 #include <string_view>
 
@@ -9,7 +9,7 @@ enum Column : std::size_t { kPart, kPath, kEvent, kSpace, kPageSize, kBytes, kSc
 
 constexpr std::string_view kInnodbData = "wait/io/file/innodb/innodb_data_file";
 
-// The server's own logs and Aria's are no files of a table, though they lie where one could.
+// The logs of the server and of Aria belong to no table, although they lie where a table could.
 bool belongsToTable(std::string_view event, std::string_view path) {
   if (event == kInnodbData) return path.ends_with(".ibd");
   return !event.starts_with("wait/io/file/sql/") && !event.starts_with("wait/io/file/innodb/") &&
@@ -44,11 +44,14 @@ void addTablespace(DataFile& file, const sql::RowSource& row) {
   if (file.path.ends_with(".ibd")) file.table = tableOf(row);
 }
 
+// A table, or its partition, has files of one name and several extensions.
+std::string_view partOf(std::string_view path) { return path.substr(0, path.rfind('.')); }
+
 }  // namespace
 
-std::vector<DataFile> decodeFiles(sql::RowSource& rows, const ServerFacts& facts) {
+std::vector<DataFile> readFiles(sql::RowSource& rows, const ServerFacts& facts) {
   std::vector<DataFile> files;
-  std::unordered_map<std::string, std::size_t> indexes;
+  std::map<std::string, std::size_t> indexes;
   while (rows.next()) {
     const bool isTablespace = sql::text(rows, kPart) == "I";
     const auto [known, isNew] = indexes.try_emplace(sql::text(rows, kPath), files.size());
@@ -62,15 +65,30 @@ std::vector<DataFile> decodeFiles(sql::RowSource& rows, const ServerFacts& facts
 }
 
 TableFiles::TableFiles(const std::vector<DataFile>& files) : files_(files) {
-  for (std::size_t i = 0; i < files.size(); ++i) {
-    if (files[i].table) indexes_[*files[i].table].push_back(i);
-  }
+  for (std::size_t i = 0; i < files.size(); ++i) add(i);
+}
+
+void TableFiles::add(std::size_t index) {
+  const DataFile& file = files_[index];
+  if (file.space) spaces_[*file.space] = index;
+  if (!file.table) return;
+
+  std::vector<std::size_t>& first = tables_[*file.table];
+  const auto order = first.empty() ? std::strong_ordering::less
+                                   : partOf(file.path) <=> partOf(files_[first.front()].path);
+  if (order < 0) first.clear();
+  if (order <= 0) first.push_back(index);
 }
 
 const std::vector<std::size_t>& TableFiles::of(const TableName& table) const {
   static const std::vector<std::size_t> kNone;
-  const auto found = indexes_.find(table);
-  return found == indexes_.end() ? kNone : found->second;
+  const auto found = tables_.find(table);
+  return found == tables_.end() ? kNone : found->second;
+}
+
+std::optional<std::size_t> TableFiles::ofSpace(std::int64_t space) const {
+  const auto found = spaces_.find(space);
+  return found == spaces_.end() ? std::nullopt : std::optional(found->second);
 }
 
 }  // namespace tal::mariadb

@@ -8,7 +8,7 @@
 
 namespace tal::mariadb {
 
-// Reads sql_connections.sql and joins its parts; sorted by the connections' numbers.
-std::vector<SqlConnection> decodeSqlConnections(sql::RowSource& rows);
+// Reads sql_connections.sql; sorted by the connections' numbers.
+std::vector<SqlConnection> readSqlConnections(sql::RowSource& rows);
 
 }  // namespace tal::mariadb

@@ -1,6 +1,5 @@
-#include "tal/mariadb/usage.h"
+#include "tal/mariadb/read_usage.h"
 
-#include "tal/mariadb/connection_gauges.h"
 #include "tal/mariadb/named_values.h"
 
 namespace tal::mariadb {

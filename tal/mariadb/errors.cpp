@@ -1,4 +1,4 @@
-#include "tal/mariadb/server_errors.h"
+#include "tal/mariadb/errors.h"
 
 #include <errmsg.h>
 #include <mysqld_error.h>
@@ -16,16 +16,16 @@ struct Row {
 
 constexpr Status passedThrough(unsigned int error) { return static_cast<Status>(error); }
 
-// What is malformed or of another version comes from something that is no MariaDB server; a table,
-// a column, a variable or a word that is missing, from one that is too old.
+// A malformed packet or another version of the protocol comes from a program that is no MariaDB
+// server. A missing table, column, variable or word means that the server is too old.
 constexpr auto kRows = std::to_array<Row>({
     {CR_SOCKET_CREATE_ERROR,             Status::kCannotReach               },
     {CR_CONNECTION_ERROR,                Status::kCannotReach               },
     {CR_CONN_HOST_ERROR,                 Status::kCannotReach               },
     {CR_UNKNOWN_HOST,                    Status::kCannotReach               },
-    {CR_VERSION_ERROR,                   Status::kCannotReach               },
-    {CR_SERVER_HANDSHAKE_ERR,            Status::kCannotReach               },
-    {CR_MALFORMED_PACKET,                Status::kCannotReach               },
+    {CR_VERSION_ERROR,                   Status::kOtherProtocol             },
+    {CR_SERVER_HANDSHAKE_ERR,            Status::kOtherProtocol             },
+    {CR_MALFORMED_PACKET,                Status::kOtherProtocol             },
     {ER_HANDSHAKE_ERROR,                 Status::kCannotReach               },
     {CR_SERVER_GONE_ERROR,               Status::kConnectionLost            },
     {CR_SERVER_LOST,                     Status::kConnectionLost            },
@@ -42,7 +42,7 @@ constexpr auto kRows = std::to_array<Row>({
     {ER_NOT_SUPPORTED_AUTH_MODE,         Status::kLoginRefused              },
     {CR_AUTH_PLUGIN_CANNOT_LOAD,         Status::kLoginRefused              },
     {CR_AUTH_PLUGIN_ERR,                 Status::kLoginRefused              },
-    {CR_PLUGIN_NOT_ALLOWED,              Status::kLoginRefused              },
+    {CR_PLUGIN_NOT_ALLOWED,              Status::kUnsafeLogin               },
     {ER_MUST_CHANGE_PASSWORD,            Status::kPasswordExpired           },
     {ER_MUST_CHANGE_PASSWORD_LOGIN,      Status::kPasswordExpired           },
     {ER_ACCOUNT_HAS_BEEN_LOCKED,         Status::kAccountLocked             },
@@ -56,6 +56,8 @@ constexpr auto kRows = std::to_array<Row>({
     {ER_SERVER_SHUTDOWN,                 Status::kServerNotReady            },
     {ER_NORMAL_SHUTDOWN,                 Status::kServerNotReady            },
     {CR_SSL_CONNECTION_ERROR,            Status::kTlsFailed                 },
+    {CR_NET_PACKET_TOO_LARGE,            Status::kAnswerTooLarge            },
+    {ER_NET_PACKET_TOO_LARGE,            Status::kAnswerTooLarge            },
     {CR_OUT_OF_MEMORY,                   Status::kOutOfMemory               },
     {ER_NO_SUCH_TABLE,                   Status::kVersionNotSupported       },
     {ER_UNKNOWN_TABLE,                   Status::kVersionNotSupported       },

@@ -1,7 +1,8 @@
-#include "tal/mariadb/encryption.h"
+#include "tal/mariadb/login_options.h"
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string_view>
 
 #include "tal/failure.h"
@@ -26,6 +27,7 @@ constexpr auto kSettings = std::to_array<Setting>({
 });
 
 constexpr std::string_view kOnOff = "ssl";
+constexpr std::string_view kOff = "skip-ssl";
 constexpr std::string_view kEnforce = "ssl-enforce";
 constexpr std::string_view kVerify = "ssl-verify-server-cert";
 
@@ -33,17 +35,20 @@ bool isSwitch(std::string_view name) {
   return name == kOnOff || name == kEnforce || name == kVerify;
 }
 
-bool isSwitchedOn(const Options& options, std::string_view name) {
-  const auto option = options.find(name);
-  if (option == options.end()) return false;
-
-  std::string value = option->second;
-  std::transform(value.begin(), value.end(), value.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
+bool isOn(std::string value) {
+  std::ranges::transform(value, value.begin(), [](char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+  });
   return value != "0" && value != "off" && value != "false";
 }
 
-// Null for a name that is none of them.
+// Nothing for a switch that is not mentioned.
+std::optional<bool> switchOf(const Options& options, std::string_view name) {
+  const auto option = options.find(name);
+  return option == options.end() ? std::nullopt : std::optional(isOn(option->second));
+}
+
+// Null for any other name.
 const Setting* settingOf(std::string_view name) {
   const auto* const found = std::find_if(kSettings.begin(), kSettings.end(),
                                          [&](const Setting& s) { return s.name == name; });
@@ -61,10 +66,19 @@ Encryption encryptionOf(const Options& options) {
       throw Failure(Status::kTlsFailed);
     }
   }
-  result.verified = isSwitchedOn(options, kVerify);
-  const bool implied = !result.settings.empty() && !options.contains(kOnOff);
-  result.wanted = result.verified || implied || isSwitchedOn(options, kOnOff) ||
-                  isSwitchedOn(options, kEnforce);
+  const bool hasAuthority = options.contains("ssl-ca") || options.contains("ssl-capath");
+  const bool asked = switchOf(options, kVerify) == true || switchOf(options, kEnforce) == true;
+  result.refused =
+      (switchOf(options, kOnOff) == false || switchOf(options, kOff) == true) && !asked;
+  result.verified = !result.refused && switchOf(options, kVerify).value_or(hasAuthority);
+  result.wanted = !result.refused && (asked || result.verified || !result.settings.empty() ||
+                                      switchOf(options, kOnOff) == true);
+  return result;
+}
+
+Encryption Encryption::forNetwork() const {
+  Encryption result = *this;
+  result.wanted = !refused;
   return result;
 }
 

@@ -1,4 +1,4 @@
-#include "tal/mariadb/server_errors.h"
+#include "tal/mariadb/errors.h"
 
 #include <gtest/gtest.h>
 
@@ -18,16 +18,16 @@ const std::map<unsigned int, std::int16_t> kExpected = {
     {2002, 7103},
     {2003, 7103},
     {2005, 7103},
-    {2007, 7103},
-    {2012, 7103},
-    {2027, 7103},
+    {2007, 7130},
+    {2012, 7130},
+    {2027, 7130},
     {1043, 7103},
     {1045, 7104},
     {1698, 7104},
     {1130, 7104},
     {1251, 7104},
     {2059, 7104},
-    {5010, 7104},
+    {5010, 7131},
     {2061, 7104},
     {1044, 7105},
     {1142, 7105},
@@ -57,9 +57,11 @@ const std::map<unsigned int, std::int16_t> kExpected = {
     {1820, 7123},
     {1862, 7123},
     {4151, 7124},
+    {2020, 7129},
+    {1153, 7129},
 };
 
-TEST(ServerErrorsTest, EachNumberHasItsStatus) {
+TEST(ErrorsTest, EachNumberHasItsStatus) {
   for (unsigned int error = 0; error <= 65535; ++error) {
     const auto row = kExpected.find(error);
     const std::int16_t expected = row == kExpected.end() ? 7120 : row->second;
@@ -67,7 +69,7 @@ TEST(ServerErrorsTest, EachNumberHasItsStatus) {
   }
 }
 
-TEST(ServerErrorsTest, NoNumberIsTakenForAStatusOfTheInterface) {
+TEST(ErrorsTest, NoNumberIsTakenForAStatusOfTheInterface) {
   for (const auto& [error, status] : kExpected) {
     if (static_cast<unsigned int>(status) != error) continue;
     EXPECT_LT(status, 7008) << error;

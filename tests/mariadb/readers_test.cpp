@@ -3,9 +3,10 @@
 
 #include <limits>
 
-#include "tal/mariadb/clients.h"
-#include "tal/mariadb/open_files.h"
-#include "tal/mariadb/sql_connections.h"
+#include "tal/mariadb/read_clients.h"
+#include "tal/mariadb/read_files.h"
+#include "tal/mariadb/read_sql_connections.h"
+#include "tal/mariadb/thread_parts.h"
 #include "tests/sql/table.h"
 
 namespace tal::mariadb {
@@ -14,7 +15,6 @@ namespace {
 using testing_support::Table;
 
 constexpr std::uint32_t kLargest = std::numeric_limits<std::uint32_t>::max();
-const std::vector<DataFile> kNoFiles;
 const ServerFacts kFacts{
     .innodbReadOnly = false, .networking = true, .ariaBlockSize = 8192, .myisamBlockSize = 1024};
 
@@ -31,7 +31,7 @@ TEST(DataFilesTest, BothPartsMeetByPath) {
       {"I", "/d/undo001",          {},                                     "9", "16384", "4096",  "d",  "undo001"}
   });
 
-  const std::vector<DataFile> files = decodeFiles(rows, kFacts);
+  const std::vector<DataFile> files = readFiles(rows, kFacts);
 
   std::string result;
   for (const DataFile& file : files) {
@@ -49,46 +49,46 @@ TEST(DataFilesTest, BothPartsMeetByPath) {
             "/d/undo001 - 1 9 16384 4096\n");
 }
 
-TEST(OpenFilesTest, FlagsWithoutHandles) {
-  Table rows({
-      {"I", "/d/db/t.ibd", {}, "5", "16384", "65537", "db", "t"},
-      {"I", "/d/db/u.ibd", {}, "6", "16384", "65536", "db", "u"}
-  });
-  ServerFacts facts = kFacts;
-  facts.innodbReadOnly = true;
-  LockPicture picture;
-  picture.contendedSpaces = {6};
+// The first one by name, with all its files, in whatever order they come.
+TEST(TableFilesTest, PartitionedTableStandsForItsFirstPartition) {
+  std::vector<DataFile> files;
+  for (const char* const path : {"p#P#p1.MYD", "p#P#p0.MYD", "p#P#p1.MYI", "p#P#p0.MYI", "t.ibd"}) {
+    const bool isPartitioned = std::string_view(path).starts_with("p#");
+    files.push_back({
+        .path = path, .table = TableName{"db",                    isPartitioned ? "p" : "t"},
+             .space = {                       }
+    });
+  }
+  files.back().space = 7;
 
-  const std::vector<OpenFile> files = openFilesOf(decodeFiles(rows, facts), {}, picture, facts);
+  const TableFiles tables(files);
 
-  ASSERT_EQ(files.size(), 2U);
-  EXPECT_EQ(files[0].sizeKb, 65U);
-  EXPECT_EQ(files[0].readOnly, flag::kYes);
-  EXPECT_EQ(files[0].recordLocks, flag::kUnknown);
-  EXPECT_EQ(files[0].transactionLock, flag::kUnknown);
-  EXPECT_EQ(files[1].sizeKb, 64U);
-  EXPECT_EQ(files[1].recordLocks, flag::kYes);
+  EXPECT_EQ(tables.of({"db", "p"}), (std::vector<std::size_t>{1, 3}));
+  EXPECT_EQ(tables.of({"db", "t"}), std::vector<std::size_t>{4});
+  EXPECT_TRUE(tables.of({"db", "view"}).empty());
+  EXPECT_EQ(tables.ofSpace(7), 4U);
+  EXPECT_EQ(tables.ofSpace(8), std::nullopt);
 }
 
 TEST(ClientsTest, PartsMeetByThreadAndConnection) {
   Table rows({
-      {"X", "7",     {},                      {},                 "12"        },
-      {"A", "7",     {},                      {},                 "4242"      },
-      {"W", "20",    {},                      {},                 "3"         },
-      {"W", "20",    {},                      {},                 "4"         },
-      {"W", "21",    {},                      {},                 "1000"      },
-      {"H", "20",    "Handler_delete",        {},                 "1"         },
-      {"H", "20",    "Handler_update",        {},                 "2"         },
-      {"H", "20",    "Handler_write",         {},                 "9999999999"},
-      {"H", "20",    "Handler_read_key",      {},                 "5"         },
-      {"H", "20",    "Handler_read_rnd_next", {},                 "6"         },
-      {"S", "20",    {},                      "192.0.2.7",        {}          },
-      {"T", "20",    {},                      {},                 "7"         },
-      {"P", "70000", "system user",           "",                 {}          },
-      {"P", "7",     "app",                   "far.example:5000", {}          }
+      {"X", "7",     {},                      {},                 {}, {}, "12"        },
+      {"A", "7",     "_pid",                  {},                 {}, {}, "4242"      },
+      {"W", "20",    {},                      {},                 {}, {}, "3"         },
+      {"W", "20",    {},                      {},                 {}, {}, "4"         },
+      {"W", "21",    {},                      {},                 {}, {}, "1000"      },
+      {"H", "20",    "Handler_delete",        {},                 {}, {}, "1"         },
+      {"H", "20",    "Handler_update",        {},                 {}, {}, "2"         },
+      {"H", "20",    "Handler_write",         {},                 {}, {}, "9999999999"},
+      {"H", "20",    "Handler_read_key",      {},                 {}, {}, "5"         },
+      {"H", "20",    "Handler_read_rnd_next", {},                 {}, {}, "6"         },
+      {"S", "20",    {},                      "192.0.2.7",        {}, {}, {}          },
+      {"T", "20",    {},                      {},                 {}, {}, "7"         },
+      {"P", "70000", "system user",           "",                 {}, {}, {}          },
+      {"P", "7",     "app",                   "far.example:5000", {}, {}, {}          }
   });
 
-  const std::vector<Client> clients = clientsOf(decodeClients(rows), {}, TableFiles(kNoFiles));
+  const std::vector<Client> clients = readClients(rows);
 
   ASSERT_EQ(clients.size(), 2U);
   EXPECT_EQ(clients[0].id, "7");
@@ -112,13 +112,13 @@ TEST(ClientsTest, PartsMeetByThreadAndConnection) {
 TEST(ClientsTest, CountersDoNotOverflow) {
   const char* const largest = "18446744073709551615";
   Table rows({
-      {"P", "7",  "app", "h:1", {}     },
-      {"T", "20", {},    {},    "7"    },
-      {"W", "20", {},    {},    largest},
-      {"W", "20", {},    {},    largest}
+      {"P", "7",  "app", "h:1", {}, {}, {}     },
+      {"T", "20", {},    {},    {}, {}, "7"    },
+      {"W", "20", {},    {},    {}, {}, largest},
+      {"W", "20", {},    {},    {}, {}, largest}
   });
 
-  EXPECT_EQ(clientsOf(decodeClients(rows), {}, TableFiles(kNoFiles))[0].diskAccesses, kLargest);
+  EXPECT_EQ(readClients(rows)[0].diskAccesses, kLargest);
 }
 
 struct PeerRow {
@@ -130,19 +130,16 @@ struct PeerRow {
 
 TEST(PeerTest, AddressesAndSites) {
   const PeerRow rows[] = {
-      {"localhost",       "",                 "Socket",           site::kLocal },
-      {"localhost:40000", "127.0.0.1",        "127.0.0.1",        site::kLocal },
-      {"::1:38434",       "::1",              "::1",              site::kLocal },
-      {"h:1",             "::ffff:127.0.0.1", "::ffff:127.0.0.1", site::kLocal },
-      {"h:1",             "192.0.2.1",        "192.0.2.1",        site::kRemote},
-      {"localhost",       {},                 "localhost",        site::kLocal },
-      {"localhost:40000", {},                 "localhost",        site::kLocal },
-      {"127.1.2.3:40000", {},                 "127.1.2.3",        site::kLocal },
-      {"::1:38434",       {},                 "::1",              site::kLocal },
-      {"far.example:1",   {},                 "far.example",      site::kRemote},
-      {"",                {},                 "",                 site::kLocal },
-      {":",               {},                 ":",                site::kLocal },
-      {"near:far",        {},                 "near:far",         site::kLocal },
+      {"localhost",       "",          "Socket",      site::kLocal },
+      {"localhost:40000", "127.0.0.1", "127.0.0.1",   site::kRemote},
+      {"::1:38434",       "::1",       "::1",         site::kRemote},
+      {"h:1",             "192.0.2.1", "192.0.2.1",   site::kRemote},
+      {"localhost",       {},          "localhost",   site::kLocal },
+      {"localhost:40000", {},          "localhost",   site::kRemote},
+      {"::1:38434",       {},          "::1",         site::kRemote},
+      {"far.example:1",   {},          "far.example", site::kRemote},
+      {"",                {},          "",            site::kLocal },
+      {"near:far",        {},          "near:far",    site::kLocal },
   };
   for (const PeerRow& row : rows) {
     const Peer peer{.hostAndPort = row.hostAndPort, .ip = row.ip};
@@ -159,20 +156,20 @@ std::string text(const SqlConnection& row) {
 
 TEST(SqlConnectionsTest, PartsMeetByThreadAndConnection) {
   Table rows({
-      {"P", "9",  "b", "far:2",     {},     "Killed",       "5000000000"},
-      {"P", "8",  "a", "near:1",    "db",   "Sleep",        "1500"      },
-      {"P", "10", "c", "localhost", {},     "Query",        "-1"        },
-      {"T", "30", {},  {},          {},     {},             "8"         },
-      {"S", "30", {},  "127.0.0.1", {},     {},             {}          },
-      {"D", "30", {},  {},          {},     {},             "2000000"   },
-      {"D", "30", {},  {},          {},     {},             "600000"    },
-      {"D", "31", {},  {},          {},     {},             "7000000"   },
-      {"A", "8",  {},  {},          "libx", "_client_name", {}          },
-      {"A", "8",  {},  {},          "prog", "program_name", {}          },
-      {"A", "9",  {},  {},          "libx", "_client_name", {}          }
+      {"P", "9",  "b",            "far:2",     {},     "Killed", "5000000000"},
+      {"P", "8",  "a",            "near:1",    "db",   "Sleep",  "1500"      },
+      {"P", "10", "c",            "localhost", {},     "Query",  "-1"        },
+      {"T", "30", {},             {},          {},     {},       "8"         },
+      {"S", "30", {},             "127.0.0.1", {},     {},       {}          },
+      {"D", "30", {},             {},          {},     {},       "2000000"   },
+      {"D", "30", {},             {},          {},     {},       "600000"    },
+      {"D", "31", {},             {},          {},     {},       "7000000"   },
+      {"A", "8",  "_client_name", {},          "libx", {},       {}          },
+      {"A", "8",  "program_name", {},          "prog", {},       {}          },
+      {"A", "9",  "_client_name", {},          "libx", {},       {}          }
   });
 
-  const std::vector<SqlConnection> connections = decodeSqlConnections(rows);
+  const std::vector<SqlConnection> connections = readSqlConnections(rows);
 
   ASSERT_EQ(connections.size(), 3U);
   EXPECT_EQ(text(connections[0]), "near|db|prog|127.0.0.1|a|0|1500|4");
@@ -190,7 +187,7 @@ TEST(SqlConnectionsTest, TimesThatAreNotMeasuredGiveNoTotal) {
       {"D", "31", {},  {},       {}, {},      "0"   }
   });
 
-  const std::vector<SqlConnection> connections = decodeSqlConnections(rows);
+  const std::vector<SqlConnection> connections = readSqlConnections(rows);
 
   ASSERT_EQ(connections.size(), 2U);
   EXPECT_EQ(connections[0].totalTime, 0U);

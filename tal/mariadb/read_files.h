@@ -1,0 +1,60 @@
+// The open files of the server, and which table each belongs to.
+#pragma once
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tal/mariadb/connection.h"
+#include "tal/sql/row.h"
+
+namespace tal::mariadb {
+
+struct TableName {
+  std::string schema;
+  std::string table;
+
+  // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 that is compared with for a null.
+  auto operator<=>(const TableName&) const = default;
+};
+
+struct DataFile {
+  std::string path;
+  std::optional<TableName> table;  // none for logs and the like
+  bool isInnodb = false;
+  std::optional<std::int64_t> space;  // of InnoDB files that hold data
+  std::int64_t pageSize = 0;          // 0 where there are no pages
+  std::int64_t bytes = 0;             // 0 where the server does not say
+};
+
+// Reads files.sql. A file that both parts of the statement list is one file here. The files keep
+// the order in which they came.
+std::vector<DataFile> readFiles(sql::RowSource& rows, const ServerFacts& facts);
+
+// Where the data of a table is, and whose the data in a tablespace.
+class TableFiles {
+ public:
+  // `files` must outlive this object, and not move.
+  explicit TableFiles(const std::vector<DataFile>& files);
+
+  // Indexes into the files: none for a table in memory, a view, or a table inside the system
+  // tablespace. Of a partitioned table, the files of the partition that is the first by its name.
+  [[nodiscard]] const std::vector<std::size_t>& of(const TableName& table) const;
+
+  [[nodiscard]] std::optional<std::size_t> ofSpace(std::int64_t space) const;
+
+  [[nodiscard]] const DataFile& file(std::size_t index) const { return files_[index]; }
+
+ private:
+  void add(std::size_t index);
+
+  const std::vector<DataFile>& files_;
+  std::map<TableName, std::vector<std::size_t>> tables_;
+  std::map<std::int64_t, std::size_t> spaces_;
+};
+
+}  // namespace tal::mariadb
