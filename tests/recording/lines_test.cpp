@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <zstd.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -154,6 +155,18 @@ TEST_F(RecordingFiles, MayBeCompressed) {
   EXPECT_EQ(found(one + "no frame" + three), "1 3 ");
   EXPECT_EQ(found(one + broken + three).substr(0, 2), "1 ");
   EXPECT_TRUE(found(one + broken + three).ends_with("3 "));
+}
+
+// Recordings outlive the version that made them.
+TEST_F(RecordingFiles, OfEveryReleaseAreReadForGood) {
+  for (const auto& entry : std::filesystem::directory_iterator(RELEASED_RECORDINGS)) {
+    std::string again;
+    RecordingReader reader(entry.path().string(), note);
+    for (Moment moment; reader.next(moment);) appendLine(again, moment);
+
+    EXPECT_EQ(again, testing_support::readFile(entry.path())) << entry.path();
+  }
+  EXPECT_TRUE(s_complaints.empty());
 }
 
 TEST_F(RecordingFiles, MustBeRegular) {
