@@ -8,10 +8,12 @@
 
 #include "orv/Exception.h"
 #include "tests/components/component_test.h"
-#include "tests/components/redirected_streams.h"
+#include "tests/support/redirected_streams.h"
 
 namespace component_tests {
 namespace {
+
+using testing_support::CapturedOutput;
 
 using testing_support::readFile;
 using testing_support::writeFile;

@@ -7,10 +7,13 @@
 #include "monitor/MonitorProcessor.h"
 #include "tests/components/component_test.h"
 #include "tests/components/recorded_sleep.h"
-#include "tests/components/redirected_streams.h"
+#include "tests/support/redirected_streams.h"
 
 namespace component_tests {
 namespace {
+
+using testing_support::CapturedOutput;
+using testing_support::TypedInput;
 
 using Slices = std::vector<unsigned>;
 

@@ -8,13 +8,15 @@
 #include "output/ProcessWide.h"
 #include "tests/components/engine_test.h"
 #include "tests/components/recorded_sleep.h"
-#include "tests/components/redirected_streams.h"
 #include "tests/components/report_test.h"
 #include "tests/components/utc_time.h"
 #include "tests/support/masking.h"
+#include "tests/support/redirected_streams.h"
 
 namespace component_tests {
 namespace {
+
+using testing_support::CapturedOutput;
 
 using testing_support::maskTimes;
 

@@ -5,10 +5,12 @@
 #include "orv/Exception.h"
 #include "orv/io/OutputStreams.h"
 #include "tests/components/component_test.h"
-#include "tests/components/redirected_streams.h"
+#include "tests/support/redirected_streams.h"
 
 namespace component_tests {
 namespace {
+
+using testing_support::CapturedOutput;
 
 class ProcessWide : public ComponentTest {};
 

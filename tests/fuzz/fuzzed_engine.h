@@ -1,5 +1,4 @@
-// An engine whose answers are lines of an input. The target itself defines the functions of the
-// engine interface, which take precedence over those of libtal.so.
+// An engine whose answers are lines of an input.
 //
 // One line for each call: a letter, then what is served. The letter is N for "no entry", G for
 // "client gone", C for "file closed", E for the status whose number follows; any other stands for
@@ -59,7 +58,7 @@ class FuzzedEngine {
 // The engine of this process.
 FuzzedEngine& engine();
 
-// Fills a structure or text, which the caller must have cleared.
+// Fills a structure or text.
 void fill(std::span<char> out, std::string_view bytes);
 // The number in the bytes, or `otherwise`.
 std::int64_t numberIn(std::string_view bytes, std::int64_t otherwise);

@@ -2,9 +2,9 @@
 #include "monitor/MonitorProcessor.h"
 #include "orv/i18n/StringBundle.h"
 #include "output/ProcessWide.h"
-#include "tests/components/redirected_streams.h"
 #include "tests/fuzz/fuzzed_engine.h"
 #include "tests/fuzz/target.h"
+#include "tests/support/redirected_streams.h"
 
 namespace fuzzing {
 namespace {
@@ -41,8 +41,8 @@ void run(std::string_view input) {
   orv::i18n::StringBundle::setFolder("/no messages");
   createProcessWideObjects();
   engine() = FuzzedEngine("");
-  const component_tests::CapturedOutput output;
-  const component_tests::TypedInput keys(input);
+  const testing_support::CapturedOutput output;
+  const testing_support::TypedInput keys(input);
 
   monitor();
 

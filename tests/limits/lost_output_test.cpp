@@ -106,7 +106,7 @@ TEST_P(ClosedTerminal, EndsTheRun) {
   const Ending ending = terminal.wait();
 
   EXPECT_TRUE(ending == Ending::exit(0) || ending == Ending::exit(1)) << ending;
-  EXPECT_TRUE(place.trace().ends_with("TalDisconnect 42\nTalStop\n")) << place.trace();
+  EXPECT_TRUE(place.trace().ends_with("TalDisconnect(42)\nTalStop(null)\n")) << place.trace();
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ClosedTerminal,

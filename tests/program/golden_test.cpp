@@ -5,7 +5,7 @@
 //   zelk.cfg          the configuration, if any; like all other files it is copied to where the
 //                     program runs
 //   scenario.toml     what the embedded engine simulates (SERV=sim:scenario.toml), or
-//   engine            what the settable engine answers (any SERV); it stands for the product's
+//   engine            what the fake engine answers (any SERV); it stands for the product's
 //                     engine library where the answers are such as that one never gives
 //   stdin             what is typed; without it standard input is at its end
 //   locale            the locale for messages; without it there is none
@@ -111,9 +111,9 @@ class Golden : public ::testing::TestWithParam<std::string> {
     if (expected_.filename() == "json") command.arguments.push_back("-JSON");
     if (std::filesystem::exists(source_ / "engine")) {
       const ProgramTree tree(folder_ / "tree");
-      tree.replaceEngine(settableEngine());
+      tree.replaceEngine(fakeEngine());
       command.program = tree.program();
-      environment["SETTABLE_ENGINE"] = work_ / "engine";
+      environment["FAKE_ENGINE"] = work_ / "engine";
     }
     command.environment = std::move(environment);
     command.folder = work_;

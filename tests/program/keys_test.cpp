@@ -223,7 +223,7 @@ TEST_F(Keys, AreReportedAsOutOfReachIfNoThreadCanBeMade) {
             "Cannot start the keyboard thread (error 0x8007000B). Free memory or raise the limit "
             "on processes, or set a refresh limit.\n");
   EXPECT_EQ(result.ending, Ending::exit(1));
-  EXPECT_TRUE(place_.trace().ends_with("TalDisconnect 42\nTalStop\n")) << place_.trace();
+  EXPECT_TRUE(place_.trace().ends_with("TalDisconnect(42)\nTalStop(null)\n")) << place_.trace();
 }
 
 TEST_F(Keys, DoNotStopALimitedRun) {

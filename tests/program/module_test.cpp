@@ -109,7 +109,7 @@ TEST_P(Modules, NeedTheirClientLibrary) {
 }
 
 TEST_P(Modules, AreNoOtherLibraries) {
-  std::filesystem::copy_file(settableEngine(), place());
+  std::filesystem::copy_file(fakeEngine(), place());
 
   const Result result = run(command());
 

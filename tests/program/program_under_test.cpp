@@ -23,12 +23,12 @@ std::filesystem::path builtTree() { return builtProgram().parent_path().parent_p
 
 Environment plainEnvironment() {
   return {
-      {"TZ",              "UTC"       },
-      {"LC_ALL",          "C"         },
-      {"LANG",            std::nullopt},
-      {"LANGUAGE",        std::nullopt},
-      {"SETTABLE_ENGINE", std::nullopt},
-      {"SETTABLE_TRACE",  std::nullopt}
+      {"TZ",          "UTC"       },
+      {"LC_ALL",      "C"         },
+      {"LANG",        std::nullopt},
+      {"LANGUAGE",    std::nullopt},
+      {"FAKE_ENGINE", std::nullopt},
+      {"FAKE_TRACE",  std::nullopt}
   };
 }
 
@@ -57,7 +57,7 @@ std::filesystem::path builtModule(const std::string& engine) {
   return moduleIn(builtTree(), engine);
 }
 
-std::filesystem::path settableEngine() { return SETTABLE_ENGINE_LIBRARY; }
+std::filesystem::path fakeEngine() { return FAKE_ENGINE_LIBRARY; }
 
 ProgramTree::ProgramTree(const std::filesystem::path& folder) : folder_(folder) {
   for (const char* const part : {"bin/zelk", "lib/zelk/libtal.so", "share/zelk/messages"}) {
@@ -106,7 +106,7 @@ std::string configuration(const std::vector<std::pair<std::string, std::string>>
 }
 
 Workplace::Workplace() : tree_(folder_ / "tree") {
-  tree_.replaceEngine(settableEngine());
+  tree_.replaceEngine(fakeEngine());
   configure({});
   setEngine("");
 }
@@ -115,8 +115,8 @@ testing_support::Command Workplace::command(std::vector<std::string> arguments) 
   testing_support::Command command{.program = tree_.program(), .arguments = std::move(arguments)};
   command.folder = folder_.path();
   command.environment = plainEnvironment();
-  command.environment["SETTABLE_ENGINE"] = folder_ / "engine";
-  command.environment["SETTABLE_TRACE"] = folder_ / "trace";
+  command.environment["FAKE_ENGINE"] = folder_ / "engine";
+  command.environment["FAKE_TRACE"] = folder_ / "trace";
   return command;
 }
 
@@ -124,7 +124,7 @@ testing_support::Command Workplace::unprivilegedCommand(std::vector<std::string>
   std::filesystem::permissions(folder_.path(), std::filesystem::perms{0755});
   testing_support::Command unprivileged = command(std::move(arguments));
   unprivileged.withoutPrivileges = true;
-  unprivileged.environment["SETTABLE_TRACE"] = std::nullopt;
+  unprivileged.environment["FAKE_TRACE"] = std::nullopt;
   return unprivileged;
 }
 

@@ -39,7 +39,7 @@ std::filesystem::path builtProgram();
 std::filesystem::path builtModule(const std::string& engine);
 
 // The engine library whose answers a test sets.
-std::filesystem::path settableEngine();
+std::filesystem::path fakeEngine();
 
 // A copy of the built tree: bin/zelk, lib/zelk/libtal.so and share/zelk/messages in the folder. The
 // engine library's modules, which few tests need, are not in it.
@@ -64,7 +64,7 @@ class ProgramTree {
 // changes replace the values of keys.
 std::string configuration(const std::vector<std::pair<std::string, std::string>>& changes = {});
 
-// A folder with a configuration file and a program tree over the settable engine.
+// A folder with a configuration file and a program tree over the fake engine.
 class Workplace {
  public:
   Workplace();
@@ -78,7 +78,7 @@ class Workplace {
 
   void configure(const std::vector<std::pair<std::string, std::string>>& changes) const;
 
-  // Sets the engine's answers, in the format of the settable engine.
+  // Sets the engine's answers, in the format of the fake engine.
   void setEngine(const std::string& answers) const;
 
   // The calls that the engine has seen, a line each.

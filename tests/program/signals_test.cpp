@@ -28,7 +28,7 @@ using testing_support::sameText;
 using testing_support::Terminal;
 using testing_support::writeFile;
 
-const std::string kLeft = "TalDisconnect 42\nTalStop\n";
+const std::string kLeft = "TalDisconnect(42)\nTalStop(null)\n";
 
 bool endsWith(const std::string& text, const std::string& end) {
   return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
@@ -87,7 +87,7 @@ class Signals : public ::testing::TestWithParam<int> {
   void releaseEngine() const { const std::ofstream writer(place_ / "fifo"); }
 
   bool waitUntilTheEngineIsAsked(Process& process) const {
-    return process.waitUntil([&] { return endsWith(place_.trace(), "TalGetZorbUsageEx2 42\n"); },
+    return process.waitUntil([&] { return endsWith(place_.trace(), "TalGetZorbUsageEx2(42)\n"); },
                              "the question about resources");
   }
 
@@ -180,7 +180,7 @@ TEST_P(Signals, EndTheProcessAtOnceTheSecondTime) {
   process.sendSignal(GetParam());
 
   EXPECT_EQ(process.wait(), Ending::killedBy(GetParam()));
-  EXPECT_TRUE(endsWith(place_.trace(), "TalGetZorbUsageEx2 42\n")) << place_.trace();
+  EXPECT_TRUE(endsWith(place_.trace(), "TalGetZorbUsageEx2(42)\n")) << place_.trace();
 }
 
 TEST_P(Signals, StayIgnoredIfTheyWereAtTheStart) {

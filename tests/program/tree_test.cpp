@@ -59,7 +59,7 @@ TEST_F(Tree, RunsWhereItWasCopiedTo) {
 
 TEST_F(Tree, RunsThroughASymbolicLink) {
   const ProgramTree tree(folder_ / "tree");
-  tree.replaceEngine(settableEngine());
+  tree.replaceEngine(fakeEngine());
   std::filesystem::create_symlink(tree.program(), folder_ / "link");
 
   expectReport(run(command(folder_ / "link")));
@@ -67,7 +67,7 @@ TEST_F(Tree, RunsThroughASymbolicLink) {
 
 TEST_F(Tree, RunsWhenFoundOnThePath) {
   const ProgramTree tree(folder_ / "tree");
-  tree.replaceEngine(settableEngine());
+  tree.replaceEngine(fakeEngine());
   Command found = command("/usr/bin/env");
   found.arguments = {"PATH=" + (folder_ / "tree/bin").string(), "zelk", "-f", "zelk.cfg",
                      "-runonce"};
@@ -77,14 +77,14 @@ TEST_F(Tree, RunsWhenFoundOnThePath) {
 
 TEST_F(Tree, TakesAnotherEngineLibraryInItsPlace) {
   const ProgramTree tree(folder_ / "tree");
-  tree.replaceEngine(settableEngine());
+  tree.replaceEngine(fakeEngine());
 
   expectReport(run(command(tree.program())));
 }
 
 TEST_F(Tree, TakesAnEngineLibraryThatIsPreloaded) {
   Command preloading = command(builtProgram());
-  preloading.environment["LD_PRELOAD"] = settableEngine();
+  preloading.environment["LD_PRELOAD"] = fakeEngine();
   // An instrumented build has its runtime behind the preloaded library.
   preloading.environment["ASAN_OPTIONS"] = "verify_asan_link_order=0";
 

@@ -135,7 +135,8 @@ TEST(WriteFailure, LeavesTheEngineInOrder) {
   run(command);
 
   const std::string trace = place.trace();
-  EXPECT_TRUE(trace.ends_with("TalGetZorbUsageEx2 42\nTalDisconnect 42\nTalStop\n")) << trace;
+  EXPECT_TRUE(trace.ends_with("TalGetZorbUsageEx2(42)\nTalDisconnect(42)\nTalStop(null)\n"))
+      << trace;
 }
 
 // The program on a disk of 16 KiB at place / "disk"; what the log holds in the end is kept as

@@ -9,9 +9,12 @@ namespace {
 
 const std::string kHandle = "42";
 
-std::string with(const std::string& argument) { return kHandle + " " + argument; }
+std::string with(const std::string& argument) { return kHandle + ", " + argument; }
 
 std::string with(int index) { return with(std::to_string(index)); }
+
+// As the trace writes the client's identifier.
+std::string clientText(int index) { return clientId(index) + "/0/" + std::to_string(index); }
 
 }  // namespace
 
@@ -19,8 +22,8 @@ ExpectedRun::ExpectedRun(std::optional<Fault> fault, bool handles)
     : fault_(std::move(fault)), handles_(handles) {
   bool isConnected = false;
   try {
-    call("TalStart", "");
-    call("TalConnectServer", "engine||");
+    call("TalStart", "null");
+    call("TalConnectServer", "engine, , ");
     isConnected = true;
     readEverything();
   } catch (const Failed&) {
@@ -29,7 +32,7 @@ ExpectedRun::ExpectedRun(std::optional<Fault> fault, bool handles)
   if (isConnected) {
     call("TalDisconnect", kHandle);
   }
-  call("TalStop", "");
+  call("TalStop", "null");
 }
 
 int ExpectedRun::callsOf(const std::string& function) const {
@@ -38,7 +41,7 @@ int ExpectedRun::callsOf(const std::string& function) const {
 }
 
 Effect ExpectedRun::call(const std::string& function, const std::string& arguments) {
-  trace_ += function + (arguments.empty() ? "" : " ") + arguments + "\n";
+  trace_ += function + "(" + arguments + ")\n";
   const int number = ++calls_[function];
   if (!fault_ || fault_->function != function || fault_->call != number) {
     return Effect::kServed;
@@ -82,7 +85,7 @@ void ExpectedRun::readAndRelease(const std::string& release, const Read& read) {
 void ExpectedRun::readFiles() {
   call("TalGetOpenFilesData", kHandle);
   readAndRelease("TalFreeOpenFilesData", [this](int index) {
-    if (call("TalGetOpenFileName", with(index) + " 1024") == Effect::kEndsList) {
+    if (call("TalGetOpenFileName", with(index)) == Effect::kEndsList) {
       return false;
     }
     if (call("TalGetFileInfo2", with(fileName(index))) == Effect::kDropsEntry) {
@@ -104,11 +107,11 @@ void ExpectedRun::readClients() {
     if (call("TalGetZorbClientId", with(index)) == Effect::kEndsList) {
       return false;
     }
-    if (call("TalGetZorbClientInfo", with(clientId(index))) == Effect::kDropsEntry) {
+    if (call("TalGetZorbClientInfo", with(clientText(index))) == Effect::kDropsEntry) {
       return true;
     }
     const int handles = handles_ ? readHandles("TalGetZorbClientHandlesData",
-                                               "TalGetZorbClientHandleInfo", clientId(index))
+                                               "TalGetZorbClientHandleInfo", clientText(index))
                                  : 0;
     if (handles > 0 || !handles_) {
       reported_ += clientRecords(index, handles);
@@ -123,7 +126,7 @@ int ExpectedRun::readHandles(const std::string& data, const std::string& info,
     return 0;
   }
   for (int handle = 0; handle < kHandles; ++handle) {
-    const Effect effect = call(info, with(owner) + " " + std::to_string(handle));
+    const Effect effect = call(info, with(owner) + ", " + std::to_string(handle));
     if (effect == Effect::kEndsList) {
       return handle;
     }

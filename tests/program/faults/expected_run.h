@@ -23,11 +23,11 @@ class ExpectedRun {
  public:
   ExpectedRun(std::optional<Fault> fault, bool handles);
 
-  // A line for each call, as the settable engine writes them.
+  // A line for each call, as the fake engine writes them.
   [[nodiscard]] const std::string& trace() const { return trace_; }
   [[nodiscard]] int callsOf(const std::string& function) const;
 
-  // Answers, in the settable engine's format, of an engine that has what this run reports and
+  // Answers, in the fake engine's format, of an engine that has what this run reports and
   // returns no status.
   [[nodiscard]] const std::string& reported() const { return reported_; }
 

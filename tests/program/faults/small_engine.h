@@ -1,4 +1,4 @@
-// The engine of the fault tests, in the settable engine's format: three entries in each list, two
+// The engine of the fault tests, in the fake engine's format: three entries in each list, two
 // handles on each file and client.
 #pragma once
 

@@ -1,4 +1,4 @@
-// What the settable engine answers, read from a file.
+// What the fake engine answers as a library, read from a file.
 //
 // The file has a record on each line, its fields separated by tabs; "%XX" is the byte with that
 // hexadecimal code. Blank lines and lines that begin with "#" are skipped. Numbers are decimal.
@@ -20,41 +20,19 @@
 //   pause FUNCTION CALL FIFO    that call waits until somebody opens the FIFO for writing
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
 #include <utility>
-#include <vector>
 
-#include "engine/tal.h"
+#include "tests/support/fake_engine/record.h"
 
-namespace settable {
-
-struct File {
-  std::string name;
-  TalFileInfo info{};
-  std::vector<TalFileHandleInfo> handles;
-};
-
-struct Client {
-  tagTALCLIENTID id{};
-  TalClientInfo info{};
-  std::vector<TalClientHandleInfo> handles;
-};
+namespace fake_engine {
 
 // A function and the number of its call, counted from 1.
 using CallNumber = std::pair<std::string, int>;
 
-struct Answers {
-  std::int32_t engineType = 0;
-  TalVersion version{};
-  TalUsage usage{};
-  TalCommStat communication{};
-  std::vector<File> files;
-  std::vector<Client> clients;
-  std::vector<TalSqlConnectionInfo> connections;
-  std::map<std::string, std::uint32_t> announced;
+struct Answers : Record {
   std::map<CallNumber, std::int16_t> statuses;
   std::map<CallNumber, std::string> exceptions;
   std::map<CallNumber, std::string> pauses;
@@ -64,4 +42,4 @@ struct Answers {
 // wrong file must not pass.
 Answers readAnswers(const std::string& path);
 
-}  // namespace settable
+}  // namespace fake_engine

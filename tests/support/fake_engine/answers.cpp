@@ -1,14 +1,13 @@
-#include "tests/support/settable_engine/answers.h"
+#include "tests/support/fake_engine/answers.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <functional>
 #include <stdexcept>
 
-namespace settable {
+namespace fake_engine {
 namespace {
 
 // The fields of a line, taken one after the other.
@@ -42,8 +41,7 @@ class Fields {
   // Fills the field as the interface does: a NUL ends the text if there is room for it.
   template <std::size_t kSize>
   void text(char (&target)[kSize]) {
-    const std::string bytes = text();
-    std::memcpy(target, bytes.data(), std::min(bytes.size(), kSize));
+    setText(target, text());
   }
 
   [[nodiscard]] bool atEnd() const { return next_ == fields_.size(); }
@@ -155,25 +153,53 @@ class Reader {
     Fields fields(line);
     const std::string kind = fields.text();
     const auto row = kRows.find(kind);
-    if (row == kRows.end()) {
-      throw std::invalid_argument("unknown record: " + kind);
-    }
-    row->second(*this, fields);
-    if (!fields.atEnd()) {
-      throw std::invalid_argument("too many fields");
-    }
+    if (row == kRows.end()) throw std::invalid_argument("unknown record: " + kind);
+    (this->*row->second)(fields);
+    if (!fields.atEnd()) throw std::invalid_argument("too many fields");
   }
 
  private:
-  using Row = std::function<void(Reader&, Fields&)>;
+  using Row = void (Reader::*)(Fields&);
   static const std::map<std::string, Row> kRows;
 
-  void readHandle(Fields& fields) {
+  void type(Fields& fields) { fields.number(answers.engineType); }
+  void version(Fields& fields) { readWords(fields, answers.version, 0, 3); }
+  void usage(Fields& fields) { readWords(fields, answers.usage, 0, 27); }
+  void communication(Fields& fields) { readWords(fields, answers.communication, 0, kProtocolsAt); }
+  void protocol(Fields& fields) {
+    readWords(fields, answers.communication, kProtocolsAt + 4 * protocols_++, 4);
+  }
+  void file(Fields& fields) {
+    readFile(fields, answers);
+    lastWasClient_ = false;
+  }
+  void client(Fields& fields) {
+    readClient(fields, answers);
+    lastWasClient_ = true;
+  }
+  void handle(Fields& fields) {
     if (lastWasClient_) {
       readClientHandle(fields, answers.clients.back());
     } else {
       readFileHandle(fields, answers.files.at(answers.files.size() - 1));
     }
+  }
+  void connection(Fields& fields) { readConnection(fields, answers); }
+  void announce(Fields& fields) {
+    const std::string function = fields.text();
+    fields.number(answers.counts[function]);
+  }
+  void status(Fields& fields) {
+    const CallNumber call = readCall(fields);
+    fields.number(answers.statuses[call]);
+  }
+  void exception(Fields& fields) {
+    const CallNumber call = readCall(fields);
+    answers.exceptions[call] = fields.text();
+  }
+  void pause(Fields& fields) {
+    const CallNumber call = readCall(fields);
+    answers.pauses[call] = fields.text();
   }
 
   std::size_t protocols_ = 0;
@@ -181,47 +207,19 @@ class Reader {
 };
 
 const std::map<std::string, Reader::Row> Reader::kRows = {
-    {"type",          [](Reader& r,                                 Fields& f) { f.number(r.answers.engineType); }                        },
-    {"version",       [](Reader& r,                                 Fields& f) { readWords(f, r.answers.version, 0, 3); }                 },
-    {"usage",         [](Reader& r,                                 Fields& f) { readWords(f, r.answers.usage, 0, 27); }                  },
-    {"communication",
-     [](Reader& r,                                                  Fields& f) { readWords(f, r.answers.communication, 0, kProtocolsAt); }},
-    {"protocol",
-     [](Reader& r,                                                  Fields& f) {
-       readWords(f, r.answers.communication, kProtocolsAt + 4 * r.protocols_++, 4);
-     }                                                                                                                  },
-    {"file",
-     [](Reader& r,                                                  Fields& f) {
-       readFile(f, r.answers);
-       r.lastWasClient_ = false;
-     }                                                                                                                  },
-    {"client",
-     [](Reader& r,                                                  Fields& f) {
-       readClient(f, r.answers);
-       r.lastWasClient_ = true;
-     }                                                                                                                  },
-    {"handle",        &Reader::readHandle                         },
-    {"connection",   [](Reader& r, Fields& f) { readConnection(f, r.answers); }                                                                      },
-    {"announce",
-     [](Reader& r,                                           Fields& f) {
-       const std::string function = f.text();
-       f.number(r.answers.announced[function]);
-     }},
-    {"status",
-     [](Reader& r,                                           Fields& f) {
-       const CallNumber call = readCall(f);
-       f.number(r.answers.statuses[call]);
-     }                                                                                                                },
-    {"throw",
-     [](Reader& r,                                           Fields& f) {
-       const CallNumber call = readCall(f);
-       r.answers.exceptions[call] = f.text();
-     }},
-    {"pause",
-     [](Reader& r,                                           Fields& f) {
-       const CallNumber call = readCall(f);
-       r.answers.pauses[call] = f.text();
-     }                                                                                                                },
+    {"type",          &Reader::type         },
+    {"version",       &Reader::version      },
+    {"usage",         &Reader::usage        },
+    {"communication", &Reader::communication},
+    {"protocol",      &Reader::protocol     },
+    {"file",          &Reader::file         },
+    {"client",        &Reader::client       },
+    {"handle",        &Reader::handle       },
+    {"connection",    &Reader::connection   },
+    {"announce",      &Reader::announce     },
+    {"status",        &Reader::status       },
+    {"throw",         &Reader::exception    },
+    {"pause",         &Reader::pause        },
 };
 
 }  // namespace
@@ -240,11 +238,10 @@ Answers readAnswers(const std::string& path) {
       }
     }
   } catch (const std::exception& exception) {
-    std::fprintf(stderr, "settable engine: %s: %s\n%s\n", path.c_str(), exception.what(),
-                 line.c_str());
+    std::fprintf(stderr, "fake engine: %s: %s\n%s\n", path.c_str(), exception.what(), line.c_str());
     std::_Exit(125);
   }
   return reader.answers;
 }
 
-}  // namespace settable
+}  // namespace fake_engine

@@ -1,4 +1,4 @@
-#include "tests/components/redirected_streams.h"
+#include "tests/support/redirected_streams.h"
 
 #include <fcntl.h>
 
@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <system_error>
 
-namespace component_tests {
+namespace testing_support {
 namespace {
 
 using testing_support::FileDescriptor;
@@ -44,4 +44,4 @@ TypedInput::TypedInput(std::string_view bytes) {
 
 TypedInput::~TypedInput() { dup2(original_.number(), STDIN_FILENO); }
 
-}  // namespace component_tests
+}  // namespace testing_support

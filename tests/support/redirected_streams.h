@@ -7,7 +7,7 @@
 #include "tests/support/file_descriptor.h"
 #include "tests/support/temporary_folder.h"
 
-namespace component_tests {
+namespace testing_support {
 
 // Standard output goes into a file while this lives.
 class CapturedOutput {
@@ -37,4 +37,4 @@ class TypedInput {
   testing_support::FileDescriptor original_;
 };
 
-}  // namespace component_tests
+}  // namespace testing_support
