@@ -19,9 +19,6 @@ class ReportTest : public ComponentTest {
   std::string textOf(Section section) { return write(section, false); }
   std::string jsonOf(Section section) { return write(section, true); }
 
-  // The same for a section whose engine call ends with this status, which must reach the caller.
-  std::string writtenBeforeFailure(Section section, const std::string& call, bool json);
-
   // Lists were made without handle detail, and then it is asked for: the one way to a file or
   // session with an empty list of handles.
   void switchHandleDetailOnAt(const std::string& call);
