@@ -1,0 +1,170 @@
+// The log file: where it is made, what it replaces, what happens when somebody truncates it.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/program/fake/expected_text.h"
+#include "tests/program/program_under_test.h"
+#include "tests/support/masking.h"
+#include "tests/support/process.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/text_comparison.h"
+
+namespace program_tests {
+namespace {
+
+using testing_support::Command;
+using testing_support::Ending;
+using testing_support::Input;
+using testing_support::maskTimes;
+using testing_support::Process;
+using testing_support::readFile;
+using testing_support::Result;
+using testing_support::run;
+using testing_support::sameText;
+using testing_support::TemporaryFolder;
+using testing_support::writeFile;
+
+const std::vector<std::string> kOnce = {"-f", "zelk.cfg", "-runonce"};
+
+std::string reportTo(const std::string& file) {
+  return runHeader({.output = "FILE", .file = file});
+}
+
+TEST(LogFile, IsMadeWithItsFolders) {
+  const TemporaryFolder elsewhere;
+  const std::string names[] = {"run.log", "logs/run.log", "logs/a/b/run.log", "./x//y/run.log",
+                               elsewhere / "made/run.log"};
+  for (const std::string& name : names) {
+    SCOPED_TRACE(name);
+    const Workplace place;
+    place.configure({
+        {"OUTP", "FILE"},
+        {"NAME", name  }
+    });
+
+    const Result result = run(place.command(kOnce));
+
+    EXPECT_EQ(result.ending, Ending::exit(0));
+    EXPECT_EQ(result.error, "");
+    EXPECT_PRED_FORMAT2(sameText, reportTo(name), place.maskedFile(name));
+  }
+}
+
+TEST(LogFile, ReplacesAnOlderOne) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "FILE"}
+  });
+  writeFile(place / "monitor.log", std::string(100000, 'x'));
+
+  run(place.command(kOnce));
+
+  EXPECT_PRED_FORMAT2(sameText, reportTo("monitor.log"), place.maskedFile("monitor.log"));
+}
+
+TEST(LogFile, IsReportedWithTheCurrentFolderIfItsNameIsBare) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "FILE"    },
+      {"NAME", "bare.log"}
+  });
+  std::filesystem::create_symlink("/nowhere/at/all", place / "bare.log");
+
+  const Result result = run(place.command(kOnce));
+
+  EXPECT_EQ(result.error, "Cannot create the log file \"" + (place / "bare.log").string() +
+                              "\": no such file or directory (0x80070002). Check the key NAME in "
+                              "the configuration file.\n");
+  EXPECT_EQ(result.ending, Ending::exit(1));
+}
+
+TEST(LogFile, IsReportedAsNamedIfItsNameHasAFolder) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "FILE"      },
+      {"NAME", "./bare.log"}
+  });
+  std::filesystem::create_symlink("/nowhere/at/all", place / "bare.log");
+
+  const Result result = run(place.command(kOnce));
+
+  EXPECT_EQ(result.error,
+            "Cannot create the log file \"./bare.log\": no such file or directory (0x80070002). "
+            "Check the key NAME in the configuration file.\n");
+  EXPECT_EQ(result.ending, Ending::exit(1));
+}
+
+TEST(LogFile, IsRefusedWhereNothingMayBeWritten) {
+  for (const std::string name : {"closed/run.log", "closed/logs/run.log"}) {
+    SCOPED_TRACE(name);
+    const Workplace place;
+    place.configure({
+        {"OUTP", "FILE"},
+        {"NAME", name  }
+    });
+    std::filesystem::create_directory(place / "closed");
+    std::filesystem::permissions(place / "closed", std::filesystem::perms{0555});
+
+    const Result result = run(place.unprivilegedCommand(kOnce));
+
+    EXPECT_EQ(result.error, "Cannot create the log file \"" + name +
+                                "\": permission denied (0x80070005). Check the key NAME in the "
+                                "configuration file.\n");
+    EXPECT_EQ(result.ending, Ending::exit(1));
+  }
+}
+
+// A rotation that copies the log and truncates it must not leave a hole of zero bytes.
+TEST(LogFile, GoesOnFromTheStartAfterARotation) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "FILE"},
+      {"RESO", "YES" }
+  });
+  Command command = place.command({"-f", "zelk.cfg"});
+  command.input = Input::pipe();
+  Process process(command);
+  process.waitForOutput("Type r to refresh, q to stop.");
+
+  std::filesystem::resize_file(place / "monitor.log", 0);
+  process.write("rq");
+
+  EXPECT_EQ(process.wait(), Ending::exit(0));
+  EXPECT_PRED_FORMAT2(sameText, kIdleResources, readFile(place / "monitor.log"));
+}
+
+TEST(LogFile, HasEachLineAtOnce) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "FILE"},
+      {"RESO", "YES" }
+  });
+  Command command = place.command({"-f", "zelk.cfg"});
+  command.input = Input::pipe();
+  Process process(command);
+  process.waitForOutput("Type r to refresh, q to stop.");
+
+  const std::string log = place.maskedFile("monitor.log");
+
+  EXPECT_PRED_FORMAT2(sameText, runHeader({.output = "FILE", .resources = true}) + kIdleResources,
+                      log);
+}
+
+TEST(LogFile, HasTheSameLinesAsTheConsole) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "BOTH"},
+      {"RESO", "YES" },
+      {"FILE", "YES" },
+      {"COMM", "YES" }
+  });
+
+  const Result result = run(place.command(kOnce));
+
+  EXPECT_PRED_FORMAT2(sameText, result.output, kBanner + readFile(place / "monitor.log"));
+}
+
+}  // namespace
+}  // namespace program_tests
