@@ -18,13 +18,24 @@ namespace {
 
 void say(const std::string& text) { std::fprintf(stderr, "%s: %s\n", kProgram.name, text.c_str()); }
 
+// Takes back the last bytes that were written, where standard output is a file.
+void takeBack(off_t written) {
+  const off_t end = ::lseek(STDOUT_FILENO, 0, SEEK_CUR);
+  if (written > 0 && end >= written) {
+    [[maybe_unused]] const int result = ::ftruncate(STDOUT_FILENO, end - written);
+  }
+}
+
 void writeToStandardOutput(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
+  std::size_t written = 0;
+  while (written < bytes.size()) {
+    const ssize_t count = ::write(STDOUT_FILENO, bytes.data() + written, bytes.size() - written);
     if (count >= 0) {
-      bytes.remove_prefix(static_cast<std::size_t>(count));
+      written += static_cast<std::size_t>(count);
     } else if (errno != EINTR) {
-      throw std::system_error(errno, std::generic_category(), "standard output");
+      const int error = errno;
+      takeBack(static_cast<off_t>(written));
+      throw std::system_error(error, std::generic_category(), "standard output");
     }
   }
 }

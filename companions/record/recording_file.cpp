@@ -104,9 +104,6 @@ void RecordingFile::append(std::string_view bytes) {
                         ::ftruncate(descriptor_, status.st_size - partial) != 0)) {
       fail("cannot be cut back to its last whole moment", errno);
     }
-    if (error == ENOSPC || error == EDQUOT || error == EFBIG) {
-      throw DiskFull(name_ + ": " + reasonOf(error));
-    }
     fail("cannot be written", error);
   }
 }
@@ -146,6 +143,9 @@ void RecordingFile::continueAfter(const std::string& server) {
 }
 
 void RecordingFile::fail(const std::string& what, int error) const {
+  if (error == ENOSPC || error == EDQUOT || error == EFBIG) {
+    throw DiskFull(name_ + ": " + reasonOf(error));
+  }
   throw FileFailure(name_ + ": " + what + ": " + reasonOf(error));
 }
 

@@ -24,8 +24,8 @@ class DiskFull : public FileFailure {
 class RecordingFile {
  public:
   // Makes the file, readable by its owner alone, or continues it: what stands behind its last whole
-  // moment is cut off. Throws FileFailure, also for a file that another recorder writes, that holds
-  // something else, or whose last moment is of another server.
+  // moment is cut off. Throws DiskFull, and FileFailure, also for a file that another recorder
+  // writes, that holds something else, or whose last moment is of another server.
   RecordingFile(const std::string& name, const std::string& server);
   RecordingFile(const RecordingFile&) = delete;
   RecordingFile& operator=(const RecordingFile&) = delete;

@@ -337,6 +337,12 @@ TEST_F(Recording, EndsWhenItsReaderGoesAway) {
   const Result result = testing_support::run(full);
   EXPECT_EQ(result.ending, Ending::exit(1));
   EXPECT_EQ(result.error, "zelk-record: standard output: No space left on device\n");
+
+  Command limited = recorder({});
+  limited.output = folder_ / "out";
+  limited.fileSizeLimit = 3000;
+  EXPECT_EQ(testing_support::run(limited).ending, Ending::exit(1));
+  EXPECT_GE(moments("out").size(), 1U);
 }
 
 TEST_F(Recording, ShowsItsProgressOnATerminalAlone) {
