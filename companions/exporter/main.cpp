@@ -15,7 +15,7 @@ namespace {
 constexpr auto kTimeToStop = std::chrono::seconds(2);
 
 companions::Settings settingsIn(const std::string& path) {
-  const companions::Settings settings = companions::readSettings(path);
+  companions::Settings settings = companions::readSettings(path);
   const companions::Sections& wanted = settings.sections;
   if (!wanted.files && !wanted.clients && !wanted.sqlConnections && !wanted.usage &&
       !wanted.communication) {

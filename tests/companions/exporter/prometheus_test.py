@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""The exporter under a real Prometheus, and the rules that come with it.
+"""The exporter under a real Prometheus, and the rules and queries that come with it.
 
 prometheus_test.py zelk-exporter docs/metrics.md packaging/prometheus/zelk.rules.yml
 """
@@ -92,6 +92,17 @@ class RealPrometheus(unittest.TestCase):
         self.assertEqual((up, frozen), ({"demo": 1}, {"frozen": 0}))
         self.assertEqual(limits, {"demo": direct['zelk_resource_limit{resource="users"}']})
         self.assertEqual((set(ratio), set(waiting)), ({"demo"}, {"demo"}))
+
+
+    def test_each_query_of_the_dashboard_has_data(self):
+        dashboard = json.loads((RULES.parent / "zelk.dashboard.json").read_text(encoding="utf-8"))
+        queries = [target["expr"].replace("$job", "zelk").replace("$instance", ".*")
+                   .replace("$__rate_interval", "10s")
+                   for panel in dashboard["panels"] for target in panel["targets"]]
+        with Exporter({"demo": "sim:demo"}) as exporter, Prometheus(exporter.port) as prometheus:
+            answers = {query: set(prometheus.wait_for(query)) for query in queries}
+        self.assertGreater(len(queries), 10)
+        self.assertEqual(answers, {query: {"demo"} for query in queries})
 
 
 class Rules(unittest.TestCase):
