@@ -35,7 +35,9 @@ void checkShape(const PGresult* result, const Statement& statement) {
 }  // namespace
 
 Connection::Connection(ConnectionHandle session)
-    : session_(std::move(session)), serverVersion_(PQserverVersion(session_.get())) {
+    : session_(std::move(session)),
+      serverVersion_(PQserverVersion(session_.get())),
+      user_(PQuser(session_.get())) {
   // A server that no longer reads must not hold up the sending either.
   PQsetnonblocking(session_.get(), 1);
 }

@@ -20,6 +20,9 @@ class Connection {
   // As the server gave it at login, 150020 for 15.20.
   [[nodiscard]] int serverVersion() const { return serverVersion_; }
 
+  // Who is logged in.
+  [[nodiscard]] const std::string& user() const { return user_; }
+
   // Whether a failure has left the session in order.
   [[nodiscard]] bool isOpen() const { return session_ != nullptr; }
 
@@ -40,6 +43,7 @@ class Connection {
 
   ConnectionHandle session_;
   int serverVersion_;
+  std::string user_;
   std::set<std::string> prepared_;
 };
 

@@ -1,8 +1,8 @@
 -- zelk: who holds and who awaits what; the lists of files and of clients begin with this. Functions
 -- are named with their schema and operators meet their exact types, so that nothing that a user
--- made can take their place.
+-- made can take their place. {size} stands for what the size of a relation in bytes is.
 WITH here AS MATERIALIZED (
-  SELECT d.oid AS database
+  SELECT d.oid AS database, pg_catalog.current_setting('block_size')::bigint AS page
   FROM pg_catalog.pg_database d
   WHERE d.datname = pg_catalog.current_database()
 ), process AS MATERIALIZED (
@@ -69,7 +69,11 @@ WITH here AS MATERIALIZED (
   GROUP BY k.pid, k.prepared, k.database, k.relation
 ), relation AS MATERIALIZED (
   -- Names, kinds and sizes are known in this database and for shared catalogs alone.
-  SELECT r.database, r.relation, r.is_locked_away, c.oid, c.relkind, c.relpages,
+  SELECT r.database, r.relation, c.relkind,
+         CASE WHEN c.oid IS NULL THEN 0::bigint
+              -- Asking for the true size would wait for whoever locks the relation away.
+              WHEN r.is_locked_away THEN c.relpages::bigint * here.page
+              ELSE {size} END AS bytes,
          coalesce(d.datname::text, 'global') || '.'::text ||
          coalesce(n.nspname::text || '.'::text || c.relname::text, r.relation::text) AS name
   FROM (SELECT u.database, u.relation, pg_catalog.bool_or(u.asked = 8) AS is_locked_away
@@ -134,22 +138,25 @@ WITH here AS MATERIALIZED (
        LEFT JOIN pg_catalog.pg_database object_database
               ON object_database.oid = u.objid AND catalog.relname = 'pg_database'
 ), use AS MATERIALIZED (
+  -- Full joins, because the server guesses too few rows: it would compare each with each.
   SELECT u.pid, o.name AS owner, u.database, u.relation, r.name, true AS is_relation,
          coalesce(r.relkind = 'r', true) AS has_rows, u.held, u.asked,
          u.awaits_row OR (u.picks_row AND o.awaits_change) AS awaits_record,
          u.awaits_relation AS awaits_file,
-         u.picks_row OR (u.may_change AND o.changes) AS may_lock_rows
+         u.picks_row OR (u.may_change AND o.changes) AS may_lock_rows,
+         coalesce(r.relkind = 'm', false) AS is_copy, r.bytes
   FROM relation_use u
-       JOIN relation r ON r.database = u.database AND r.relation = u.relation
-       JOIN owner o ON o.pid = u.pid AND o.prepared = u.prepared
+       FULL JOIN relation r ON r.database = u.database AND r.relation = u.relation
+       FULL JOIN owner o ON o.pid = u.pid AND o.prepared = u.prepared
+  WHERE coalesce(r.name, '') <> ''
   UNION ALL
   SELECT u.pid, o.name, coalesce(u.database, 0::oid), 0::oid, u.name, false, false, u.held, u.asked,
-         u.awaits AND u.is_record, u.awaits AND NOT u.is_record, false
+         u.awaits AND u.is_record, u.awaits AND NOT u.is_record, false, false, 0::bigint
   FROM named_use u JOIN owner o ON o.pid = u.pid AND o.prepared = u.prepared
   UNION ALL
   SELECT b.pid, coalesce(o.name, ''), 0::oid, 0::oid,
          '('::text || (b.granted - b.granted / b.step)::text || ' more locks)'::text,
-         false, false, 1, 1, false, false, false
+         false, false, 1, 1, false, false, false, false, 0::bigint
   FROM burden b LEFT JOIN owner o ON o.pid = b.pid AND o.prepared = b.prepared
   WHERE b.step > 1::bigint
 )

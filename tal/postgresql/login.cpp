@@ -1,14 +1,13 @@
 #include "tal/postgresql/login.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "tal/failure.h"
-#include "tal/postgresql/exceptions.h"
 #include "tal/postgresql/login_attempt.h"
 #include "tal/postgresql/login_options.h"
+#include "tal/postgresql/login_rules.h"
 #include "tal/sql/first_reachable.h"
 #include "tal/sql/resolve.h"
 #include "tal/sql/system_user.h"
@@ -16,25 +15,9 @@
 namespace tal::postgresql {
 namespace {
 
-// What one server may do, and where it is.
-struct Rules {
-  Exceptions exceptions;
-  bool isElsewhere = false;  // on another machine, as far as its addresses say
-
-  [[nodiscard]] Asking asking() const {
-    return exceptions.weakPassword ? Asking::kAnyhow : Asking::kSafely;
-  }
-
-  [[nodiscard]] Encryption encryption() const {
-    const bool isVerified = isElsewhere && hasRootCertificate();
-    return encryptionWished(isVerified ? Encryption::kName : Encryption::kUnverified);
-  }
-
-  [[nodiscard]] bool mayGoWithout() const {
-    return (!isElsewhere || exceptions.unencrypted) &&
-           encryptionWished(Encryption::kNone) == Encryption::kNone;
-  }
-};
+Asking askingBy(const LoginRules& rules) {
+  return rules.weakPassword ? Asking::kAnyhow : Asking::kSafely;
+}
 
 Target targetOf(const Location& location, const Credentials& credentials) {
   Target target;
@@ -47,20 +30,20 @@ Target targetOf(const Location& location, const Credentials& credentials) {
   return target;
 }
 
-ConnectionHandle logInWithout(Target target, const Rules& rules, sql::SocketCutter& cutter,
+ConnectionHandle logInWithout(Target target, const LoginRules& rules, sql::SocketCutter& cutter,
                               const sql::Deadline& deadline) {
   target.encryption = Encryption::kNone;
   target.bindsPassword = bindingWished();
-  return *tryLogin(target, rules.asking(), cutter, deadline);
+  return *tryLogin(target, askingBy(rules), cutter, deadline);
 }
 
 // A server that offers no encryption is asked again without, where that is allowed.
-ConnectionHandle logInTo(Target target, const Rules& rules, sql::SocketCutter& cutter,
+ConnectionHandle logInTo(Target target, const LoginRules& rules, sql::SocketCutter& cutter,
                          const sql::Deadline& deadline) {
   target.encryption = rules.encryption();
   target.bindsPassword =
-      bindingWished() || (!target.password.empty() && rules.asking() == Asking::kSafely);
-  std::optional<ConnectionHandle> connection = tryLogin(target, rules.asking(), cutter, deadline);
+      bindingWished() || (!target.password.empty() && askingBy(rules) == Asking::kSafely);
+  std::optional<ConnectionHandle> connection = tryLogin(target, askingBy(rules), cutter, deadline);
   if (connection) return std::move(*connection);
   if (!rules.mayGoWithout()) throw Failure(Status::kTlsFailed);
   return logInWithout(target, rules, cutter, deadline);
@@ -70,12 +53,11 @@ ConnectionHandle logInTo(Target target, const Rules& rules, sql::SocketCutter& c
 
 ConnectionHandle login(const Location& location, const Credentials& credentials,
                        sql::SocketCutter& cutter, const sql::Deadline& deadline) {
-  Rules rules{.exceptions = exceptionsFor(location)};
   Target target = targetOf(location, credentials);
-  if (location.isSocket()) return logInWithout(target, rules, cutter, deadline);
+  if (location.isSocket()) return logInWithout(target, rulesFor(location, {}), cutter, deadline);
 
   const std::vector<std::string> addresses = sql::resolveHost(location.host, deadline);
-  rules.isElsewhere = !std::ranges::all_of(addresses, &sql::isLoopback);
+  const LoginRules rules = rulesFor(location, addresses);
   return sql::firstReachable(addresses, deadline,
                              [&](const std::string& address, const sql::Deadline& share) {
                                target.address = address;

@@ -18,7 +18,7 @@ namespace tal::postgresql {
 // - The password is used for SCRAM alone: with encryption bound to this very connection, so that
 //   nobody can pass it on, without it after a look at what is asked for.
 //
-// Exceptions and the user's wishes: see exceptions.h and login_options.h. Throws Failure with the
+// Exceptions and the user's wishes: see login_rules.h and login_options.h. Throws Failure with the
 // reason, kNoAnswer when `deadline` passes.
 ConnectionHandle login(const Location& location, const Credentials& credentials,
                        sql::SocketCutter& cutter, const sql::Deadline& deadline);

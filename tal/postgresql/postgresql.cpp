@@ -91,9 +91,10 @@ class PostgresqlEngine : public Engine {
 };
 
 // Without the privilege nothing fails, but the figures are wrong: other users' sessions are hidden.
-void checkPrivilege(const sql::RowSource& row) {
+void checkPrivilege(const sql::RowSource& row, const std::string& user) {
   if (isTrue(row, 0)) return;
-  throw sql::ExplainedFailure(Status::kPrivilegeMissing, "GRANT pg_read_all_stats TO ...");
+  throw sql::ExplainedFailure(Status::kPrivilegeMissing,
+                              "GRANT pg_read_all_stats TO \"" + user + "\";");
 }
 
 // A pooler may drop what was asked for at login; a user's function could then take the place of one
@@ -109,7 +110,7 @@ void checkSettings(const sql::RowSource& row) {
 void checkAccount(Connection& connection, const sql::Deadline& deadline) {
   Result rows = connection.run(accountStatement(), deadline);
   if (!rows.next()) throw Failure(Status::kServerError);
-  checkPrivilege(rows);
+  checkPrivilege(rows, connection.user());
   checkSettings(rows);
 }
 

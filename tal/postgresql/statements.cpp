@@ -11,35 +11,36 @@
 namespace tal::postgresql {
 namespace {
 
-// kFiles leaves open what the size of a relation is.
-std::string filesBySize(std::string_view size) {
-  constexpr std::string_view kPlace = "{size}";
-  std::string text = std::string(kLocks) + kFiles;
-  const std::size_t last = text.rfind(kPlace);
-  return text.replace(last, kPlace.size(), size);
+constexpr std::string_view kNoSize = "0::bigint";
+
+// kLocks leaves open what the size of a relation is.
+std::string overLocks(const char* statement, std::string_view size) {
+  constexpr std::string_view kPlace = "ELSE {size}";
+  std::string text = std::string(kLocks) + statement;
+  return text.replace(text.find(kPlace), kPlace.size(), "ELSE " + std::string(size));
 }
 
 }  // namespace
 
 const Statement& filesStatement() {
-  static const Statement statement{"zelk_files", filesBySize("pg_catalog.pg_relation_size(r.oid)"),
-                                   kFileColumns};
+  static const Statement statement{
+      "zelk_files", overLocks(kFiles, "pg_catalog.pg_relation_size(c.oid)"), kFileColumns};
   return statement;
 }
 
 const Statement& filesWithEstimatedSizesStatement() {
-  static const Statement statement{"zelk_files_estimated",
-                                   filesBySize("r.relpages::bigint * page.size"), kFileColumns};
+  static const Statement statement{
+      "zelk_files_estimated", overLocks(kFiles, "c.relpages::bigint * here.page"), kFileColumns};
   return statement;
 }
 
 const Statement& clientsStatement() {
-  static const Statement statement{"zelk_clients", std::string(kLocks) + kClients, kClientColumns};
+  static const Statement statement{"zelk_clients", overLocks(kClients, kNoSize), kClientColumns};
   return statement;
 }
 
 const Statement& usageStatement() {
-  static const Statement statement{"zelk_usage", std::string(kLocks) + kUsage, kUsageColumns};
+  static const Statement statement{"zelk_usage", overLocks(kUsage, kNoSize), kUsageColumns};
   return statement;
 }
 

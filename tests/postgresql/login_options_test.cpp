@@ -1,16 +1,21 @@
 #include <gtest/gtest.h>
 #include <libpq-fe.h>
 
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
 
-#include "tal/postgresql/exceptions.h"
 #include "tal/postgresql/login_options.h"
+#include "tal/postgresql/login_rules.h"
 #include "tal/postgresql/statements.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/variable.h"
 
 namespace tal::postgresql {
 namespace {
+
+using testing_support::Variable;
 
 // What the client library makes of a connection string.
 std::map<std::string, std::string> parsed(const std::string& connectionString) {
@@ -88,15 +93,15 @@ TEST(StatementsTest, AccountAsksForEachSetting) {
 
 TEST(StatementsTest, EstimatedSizesDifferInTheSizeAlone) {
   const std::string text = filesStatement().text;
-  const std::string size = "ELSE pg_catalog.pg_relation_size(r.oid) END";
+  const std::string size = "ELSE pg_catalog.pg_relation_size(c.oid) END";
   const std::size_t at = text.find(size);
   ASSERT_NE(at, std::string::npos);
 
   EXPECT_EQ(filesWithEstimatedSizesStatement().text,
-            std::string(text).replace(at, size.size(), "ELSE r.relpages::bigint * page.size END"));
+            std::string(text).replace(at, size.size(), "ELSE c.relpages::bigint * here.page END"));
 }
 
-TEST(ExceptionsTest, TheFirstLineForAServerCounts) {
+TEST(LoginRulesTest, TheFirstLineForAServerCounts) {
   struct Row {
     std::string text;
     bool weakPassword;
@@ -114,9 +119,43 @@ TEST(ExceptionsTest, TheFirstLineForAServerCounts) {
   };
 
   for (const Row& row : rows) {
-    const Exceptions exceptions = exceptionsIn(row.text, {"db1", 6000, "app"});
-    EXPECT_EQ(exceptions.weakPassword, row.weakPassword) << row.text;
-    EXPECT_EQ(exceptions.unencrypted, row.unencrypted) << row.text;
+    const LoginRules rules = rulesIn(row.text, {"db1", 6000, "app"});
+    EXPECT_EQ(rules.weakPassword, row.weakPassword) << row.text;
+    EXPECT_EQ(rules.unencrypted, row.unencrypted) << row.text;
+  }
+}
+
+// With and without root certificates, on this machine and on another.
+TEST(LoginRulesTest, EncryptionByPlaceAndCertificates) {
+  struct Row {
+    const char* address;
+    bool hasCertificates;
+    bool isException;
+    Encryption encryption;
+    bool mayGoWithout;
+  };
+  constexpr Row kRows[] = {
+      {"127.0.0.1", false, false, Encryption::kUnverified, true },
+      {"127.0.0.1", true,  false, Encryption::kUnverified, true },
+      {"192.0.2.7", false, false, Encryption::kUnverified, false},
+      {"192.0.2.7", true,  false, Encryption::kName,       false},
+      {"192.0.2.7", false, true,  Encryption::kUnverified, true },
+      {"192.0.2.7", true,  true,  Encryption::kName,       true },
+  };
+  const Variable noWish("PGSSLMODE", "");
+
+  for (const Row& row : kRows) {
+    const testing_support::TemporaryFolder home;
+    const Variable folder("HOME", home.path().string());
+    std::filesystem::create_directory(home / ".postgresql");
+    if (row.hasCertificates) testing_support::writeFile(home / ".postgresql/root.crt", "");
+    if (row.isException)
+      testing_support::writeFile(home / ".postgresql/zelk.conf", "db1 unencrypted");
+
+    const LoginRules rules = rulesFor({"db1", 5432, "app"}, {"127.0.0.1", row.address});
+
+    EXPECT_EQ(rules.encryption(), row.encryption) << row.address << row.hasCertificates;
+    EXPECT_EQ(rules.mayGoWithout(), row.mayGoWithout) << row.address << row.isException;
   }
 }
 

@@ -13,6 +13,7 @@
 #include "tests/postgresql/server_test.h"
 #include "tests/sql/fake_host.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/variable.h"
 #include "tests/support/wait_until.h"
 
 namespace testing_support {
@@ -127,28 +128,6 @@ TEST_F(LoginTest, TakesTheReasonOfTheFirstAddressThatAnswers) {
   EXPECT_EQ(login("shop:" + std::to_string(server_.port()) + "/app", {"zelk", "wrong"}),
             Status::kLoginRefused);
 }
-
-// Sets an environment variable for a while.
-class Variable {
- public:
-  Variable(const char* name, const std::string& value) : name_(name) {
-    if (const char* const before = ::getenv(name)) before_ = before;
-    ::setenv(name, value.c_str(), 1);
-  }
-  Variable(const Variable&) = delete;
-  Variable& operator=(const Variable&) = delete;
-  ~Variable() {
-    if (before_.empty()) {
-      ::unsetenv(name_);
-    } else {
-      ::setenv(name_, before_.c_str(), 1);
-    }
-  }
-
- private:
-  const char* name_;
-  std::string before_;
-};
 
 TEST_F(LoginTest, EnvironmentIsKeptOut) {
   const Variable host("PGHOST", "nowhere.invalid");

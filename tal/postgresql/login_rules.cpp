@@ -1,11 +1,14 @@
-#include "tal/postgresql/exceptions.h"
+#include "tal/postgresql/login_rules.h"
 
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <sstream>
+
+#include "tal/sql/resolve.h"
 
 namespace tal::postgresql {
 namespace {
@@ -35,18 +38,27 @@ bool isMeant(const std::string& server, const Location& location) {
   return server == location.host || server == location.host + ':' + std::to_string(location.port);
 }
 
-Exceptions wordsOf(std::istream& words) {
-  Exceptions exceptions;
+LoginRules wordsOf(std::istream& words) {
+  LoginRules rules;
   for (std::string word; words >> word;) {
-    if (word == "weak-password") exceptions.weakPassword = true;
-    if (word == "unencrypted") exceptions.unencrypted = true;
+    if (word == "weak-password") rules.weakPassword = true;
+    if (word == "unencrypted") rules.unencrypted = true;
   }
-  return exceptions;
+  return rules;
 }
 
 }  // namespace
 
-Exceptions exceptionsIn(const std::string& text, const Location& location) {
+Encryption LoginRules::encryption() const {
+  const bool isVerified = isElsewhere && hasRootCertificate();
+  return encryptionWished(isVerified ? Encryption::kName : Encryption::kUnverified);
+}
+
+bool LoginRules::mayGoWithout() const {
+  return (!isElsewhere || unencrypted) && encryptionWished(Encryption::kNone) == Encryption::kNone;
+}
+
+LoginRules rulesIn(const std::string& text, const Location& location) {
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {
     std::istringstream words(line);
@@ -56,11 +68,13 @@ Exceptions exceptionsIn(const std::string& text, const Location& location) {
   return {};
 }
 
-Exceptions exceptionsFor(const Location& location) {
+LoginRules rulesFor(const Location& location, const std::vector<std::string>& addresses) {
   const char* const home = ::getenv("HOME");
   const std::string own =
       home != nullptr ? textOf(home + std::string("/.postgresql/zelk.conf")) : "";
-  return exceptionsIn(own + '\n' + textOf("/etc/zelk/postgresql.conf"), location);
+  LoginRules rules = rulesIn(own + '\n' + textOf("/etc/zelk/postgresql.conf"), location);
+  rules.isElsewhere = !std::ranges::all_of(addresses, &sql::isLoopback);
+  return rules;
 }
 
 }  // namespace tal::postgresql
