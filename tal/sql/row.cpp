@@ -1,6 +1,7 @@
 #include "tal/sql/row.h"
 
 #include <charconv>
+#include <limits>
 
 #include "tal/failure.h"
 #include "tal/sql/numbers.h"

@@ -2,10 +2,8 @@
 // a server sends is not trusted: a decoder meets any text, any number and NULL in any column.
 #pragma once
 
-#include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,15 +35,5 @@ std::int64_t integer(const RowSource& row, std::size_t column);
 // A column as a number of the interface: what is below 0 is 0, what does not fit 32 bits is the
 // largest that does. Throws as integer() does.
 std::uint32_t count(const RowSource& row, std::size_t column);
-
-// A column as a code of the interface; NULL and what does not fit `Code` are `unknown`.
-template <std::integral Code>
-Code code(const RowSource& row, std::size_t column, Code unknown) {
-  if (!row.cell(column)) return unknown;
-  const std::int64_t value = integer(row, column);
-  const bool fits = value >= std::int64_t{std::numeric_limits<Code>::min()} &&
-                    value <= std::int64_t{std::numeric_limits<Code>::max()};
-  return fits ? static_cast<Code>(value) : unknown;
-}
 
 }  // namespace tal::sql

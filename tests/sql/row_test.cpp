@@ -74,17 +74,5 @@ TEST(RowTest, Count) {
   EXPECT_EQ(count(Cell(std::nullopt), 0), 0U);
 }
 
-TEST(RowTest, Code) {
-  constexpr std::uint8_t kUnknown = 3;
-
-  EXPECT_EQ(code(Cell("0"), 0, kUnknown), 0);
-  EXPECT_EQ(code(Cell("255"), 0, kUnknown), 255);
-  EXPECT_EQ(code(Cell("256"), 0, kUnknown), kUnknown);
-  EXPECT_EQ(code(Cell("-1"), 0, kUnknown), kUnknown);
-  EXPECT_EQ(code(Cell(std::nullopt), 0, kUnknown), kUnknown);
-  EXPECT_EQ(code(Cell("-1"), 0, std::int32_t{2}), -1);
-  EXPECT_EQ(code(Cell("2147483648"), 0, std::int32_t{2}), 2);
-}
-
 }  // namespace
 }  // namespace tal::sql
