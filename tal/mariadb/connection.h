@@ -9,6 +9,7 @@ namespace tal::mariadb {
 
 // What cannot change while the server runs.
 struct ServerFacts {
+  bool performanceSchema = false;
   bool innodbReadOnly = false;
   bool networking = true;  // whether the server listens to TCP at all
   std::int64_t ariaBlockSize = 0;

@@ -3,6 +3,8 @@
 #include <sys/un.h>
 
 #include "tal/failure.h"
+#include "tal/sql/explained_failure.h"
+#include "tal/sql/message.h"
 
 namespace tal::mariadb {
 namespace {
@@ -15,10 +17,21 @@ std::string checkedSocketPath(std::string_view path) {
   return std::string(path);
 }
 
+// What server names of other programs have, and this one has elsewhere.
+void refuseForeignParts(std::string_view text) {
+  if (text.find('@') != text.npos) {
+    throw sql::ExplainedFailure(Status::kBadServerName, sql::message("USER_IN_NAME"));
+  }
+  if (text.find('/') != text.npos) {
+    throw sql::ExplainedFailure(Status::kBadServerName, sql::message("DATABASE_IN_NAME"));
+  }
+}
+
 }  // namespace
 
 Location parseLocation(std::string_view text) {
   if (text.starts_with('/')) return {.socketPath = checkedSocketPath(text), .address = {}};
+  refuseForeignParts(text);
   return {.socketPath = {}, .address = sql::parseAddress(text, kDefaultPort)};
 }
 

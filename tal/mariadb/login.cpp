@@ -19,6 +19,7 @@
 #include "tal/mariadb/greeting.h"
 #include "tal/sql/explained_failure.h"
 #include "tal/sql/first_reachable.h"
+#include "tal/sql/message.h"
 #include "tal/sql/resolve.h"
 #include "tal/sql/wait.h"
 
@@ -129,10 +130,10 @@ bool isConnected(int socket) {
 void checkGreeting(const Target& target, int socket, const sql::Deadline& deadline) {
   const Greeting greeting = awaitGreeting(socket, deadline);
   if (greeting == Greeting::kForeign) {
-    failAt(target, Status::kOtherProtocol, "not the greeting of a MariaDB server");
+    failAt(target, Status::kOtherProtocol, sql::message("OTHER_PROTOCOL"));
   }
   if (greeting == Greeting::kPlain && target.encryption.wanted) {
-    failAt(target, Status::kTlsFailed, "the server offers no encryption");
+    failAt(target, Status::kTlsFailed, sql::message("NO_ENCRYPTION"));
   }
 }
 
@@ -226,7 +227,7 @@ SessionHandle attempt(const Target& target, const char* host, const sql::Deadlin
   if (!loggedIn) failLogin(session.get(), target, deadline);
   // Only through a socket, where nobody stands between, is this found out so late.
   if (target.encryption.wanted && mysql_get_ssl_cipher(session.get()) == nullptr) {
-    failAt(target, Status::kTlsFailed, "the server offers no encryption");
+    failAt(target, Status::kTlsFailed, sql::message("NO_ENCRYPTION"));
   }
   return session;
 }

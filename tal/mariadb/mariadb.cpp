@@ -1,5 +1,8 @@
 #include "tal/mariadb/mariadb.h"
 
+#include <unistd.h>
+
+#include <string>
 #include <utility>
 
 #include "tal/mariadb/connection.h"
@@ -15,6 +18,7 @@
 #include "tal/mariadb/statements.h"
 #include "tal/sql/bounded_engine.h"
 #include "tal/sql/handle_limit.h"
+#include "tal/sql/message.h"
 #include "tal/sql/system_user.h"
 
 namespace tal::mariadb {
@@ -25,6 +29,8 @@ constexpr std::string_view kOptionGroup = "zelk";
 class MariaDbEngine final : public Engine {
  public:
   explicit MariaDbEngine(SessionHandle session) : connection_(std::move(session)) {}
+
+  [[nodiscard]] const ServerFacts& facts() const { return connection_.facts(); }
 
   Information information() override { return {}; }
 
@@ -99,17 +105,26 @@ Credentials completed(Credentials credentials, const Options& options) {
   return credentials;
 }
 
+// Somebody who looks at an empty report is told why it may be so.
+void tellWhatIsMissing(const ServerFacts& facts) {
+  if (!facts.performanceSchema && ::isatty(STDERR_FILENO) == 1) {
+    sql::tell(sql::message("NO_PERFORMANCE_SCHEMA"));
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials) {
-  const Location parsed = parseLocation(location);
-  const Options options = readOptions(kOptionGroup, standardOptionFiles());
-  const Credentials used = completed(credentials, options);
-  const Encryption encryption = encryptionOf(options);
-  return sql::openBounded([=](sql::SocketCutter& cutter) -> std::unique_ptr<Engine> {
+  const auto connect = [name = std::string(location), credentials](sql::SocketCutter& cutter) {
     const sql::Deadline deadline(sql::kConnectLimit);
-    return std::make_unique<MariaDbEngine>(login(parsed, used, encryption, cutter, deadline));
-  });
+    const Location parsed = parseLocation(name);
+    const Options options = readOptions(kOptionGroup, standardOptionFiles());
+    auto engine = std::make_unique<MariaDbEngine>(
+        login(parsed, completed(credentials, options), encryptionOf(options), cutter, deadline));
+    tellWhatIsMissing(engine->facts());
+    return engine;
+  };
+  return sql::openBounded(connect);
 }
 
 }  // namespace tal::mariadb

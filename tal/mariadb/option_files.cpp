@@ -5,13 +5,12 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <set>
 #include <utility>
 
-#include "tal/text.h"
+#include "tal/sql/message.h"
 
 namespace tal::mariadb {
 namespace {
@@ -25,7 +24,6 @@ constexpr std::string_view kPassword = "password";
 
 constexpr off_t kLargestFile = 1024L * 1024;
 constexpr int kDeepestInclude = 10;
-constexpr std::size_t kLongestWarning = 1000;
 
 std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(kBlanks);
@@ -154,12 +152,6 @@ std::vector<fs::path> includedBy(std::string_view line) {
   return {};
 }
 
-void warnOfPassword(const fs::path& path) {
-  std::string line = path.string() + ": everybody can read the password in it, so it is not used";
-  fitText(line, kLongestWarning);
-  std::fprintf(stderr, "libtal: %s\n", line.c_str());
-}
-
 // Takes the lines of one file, and keeps whether they are in the group asked for.
 class LineReader {
  public:
@@ -203,7 +195,9 @@ class FileReader {
 
     LineReader reader(group_, options_, file->isReadByOthers);
     for (const std::string_view line : linesOf(file->text)) {
-      if (!line.starts_with('!') && !reader.take(line)) warnOfPassword(path);
+      if (!line.starts_with('!') && !reader.take(line)) {
+        sql::tell(path.string() + ": " + sql::message("PASSWORD_READABLE"));
+      }
       if (depth == kDeepestInclude) continue;
       for (const fs::path& included : includedBy(line)) read(included, depth + 1);
     }

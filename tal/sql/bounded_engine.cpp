@@ -1,16 +1,12 @@
 #include "tal/sql/bounded_engine.h"
-
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdio>
 #include <string>
 #include <type_traits>
 #include <utility>
 
 #include "tal/failure.h"
 #include "tal/sql/explained_failure.h"
+#include "tal/sql/message.h"
 #include "tal/sql/worker.h"
 
 namespace tal::sql {
@@ -129,20 +125,6 @@ class BoundedEngine final : public Engine {
   std::shared_ptr<Served> served_ = std::make_shared<Served>();  // null once it was left behind
   Worker worker_;
 };
-
-// A report may be a document that the line would break.
-bool goesIntoTheReport() {
-  struct stat output {};
-  struct stat error {};
-  if (::fstat(STDOUT_FILENO, &output) != 0 || ::fstat(STDERR_FILENO, &error) != 0) return false;
-  const bool isSame = output.st_dev == error.st_dev && output.st_ino == error.st_ino;
-  return isSame && ::isatty(STDERR_FILENO) == 0;
-}
-
-void tell(const std::string& explanation) {
-  if (goesIntoTheReport()) return;
-  std::fprintf(stderr, "libtal: %s\n", explanation.c_str());
-}
 
 }  // namespace
 

@@ -198,6 +198,19 @@ TEST(LocksTest, PartitionIsKnownInContentionOnly) {
       "3 p0.ibd 0 S 0 1019\n");
 }
 
+// A user who may do as he likes in a database of his own must not fill everybody's report.
+TEST(LocksTest, UseOfATableIsOneHandleHoweverManyItsPartitions) {
+  std::vector<DataFile> files;
+  for (int i = 0; i < 8192; ++i) files.push_back(file("p", ("p" + std::to_string(i)).c_str(), i));
+  Rows rows;
+  for (int i = 1; i <= 125; ++i)
+    rows.push_back(metadata(std::to_string(i).c_str(), "p", "SHARED_WRITE"));
+  Table table(std::move(rows));
+  const LockPicture picture = readLocks(table, 999);
+
+  EXPECT_EQ(handlesOf(picture, TableFiles(files)).size(), 125U);
+}
+
 // The child's insert locks the parent's row without a metadata lock on the parent.
 TEST(LocksTest, ParentOfAForeignKeyIsHeldByTheChildsWriter) {
   EXPECT_EQ(handlesIn({kOwnLock, transaction("1", "2", "1", "1"), transaction("2", "1", "1", "0"),

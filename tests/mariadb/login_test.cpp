@@ -167,6 +167,33 @@ TEST_F(LoginTest, NothingIsSaidToAServerThatDoesNotProveItself) {
   EXPECT_EQ(server.heard().find("zelk"), std::string::npos);
 }
 
+// What somebody in between makes of the greeting of a server that offers encryption.
+TEST_F(LoginTest, NothingIsSaidWhenTheOfferToEncryptIsTakenAway) {
+  for (const char* const options : {"ssl", "ssl-enforce", "ssl-ca=/etc/ssl/cert.pem"}) {
+    writeOptions(std::string("[zelk]\n") + options + "\n");
+    ForeignListener stripped(greetingOf("5.5.5-10.11.9-MariaDB") + packet(2, "\0\0\0\2\0\0\0"));
+
+    EXPECT_EQ(statusOfLogin("127.0.0.1:" + std::to_string(stripped.port()), "zelk"),
+              Status::kTlsFailed)
+        << options;
+    EXPECT_EQ(stripped.heard(), "") << options;
+  }
+}
+
+// This form of its address does not pass for this machine's.
+TEST_F(LoginTest, ToAnotherMachineTheSessionIsEncryptedOrRefused) {
+  const auto elsewhere = [](const PrivateServer& server) {
+    return "[::ffff:127.0.0.1]:" + std::to_string(server.port());
+  };
+  admin_.execute("ALTER USER zelk@'127.0.0.1' REQUIRE SSL");
+  EXPECT_EQ(statusOfLogin(elsewhere(server_), "zelk"), Status::kSuccess);
+  admin_.execute("ALTER USER zelk@'127.0.0.1' REQUIRE NONE");
+
+  EXPECT_EQ(statusOfLogin(elsewhere(instrumentedServer()), "zelk"), Status::kTlsFailed);
+  writeOptions("[zelk]\nskip-ssl\n");
+  EXPECT_EQ(statusOfLogin(elsewhere(instrumentedServer()), "zelk"), Status::kSuccess);
+}
+
 TEST_F(LoginTest, NoUserIsTheOneWhoRunsTheProgram) {
   ForeignListener server(greetingThatAsksFor("dialog"));
 

@@ -145,8 +145,7 @@ TEST_F(OptionFilesTest, PasswordThatEverybodyCanReadIsNotTaken) {
   const Options options = readOptions("zelk", {folder_ / "my.cnf"});
 
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "libtal: " + (folder_ / "my.cnf").string() +
-                ": everybody can read the password in it, so it is not used\n");
+            "libtal: " + (folder_ / "my.cnf").string() + ": PASSWORD_READABLE\n");
   EXPECT_EQ(options, (Options{
                          {"ssl", ""}
   }));

@@ -1,5 +1,10 @@
 // A server as servers are by default: the same statements answer, and what is lost is not invented.
+#include <netinet/in.h>
+#include <sys/socket.h>
+
 #include "tests/mariadb/server_test.h"
+#include "tests/support/file_descriptor.h"
+#include "tests/support/wait_until.h"
 
 namespace mariadb_testing {
 namespace {
@@ -80,6 +85,40 @@ TEST_F(WithoutPerformanceSchemaTest, FiguresAreComplete) {
   EXPECT_EQ(communication.remoteSessions.current, 1U);
   ASSERT_EQ(communication.protocols.size(), 1U);
   EXPECT_EQ(communication.protocols[0].requests, 0U);
+}
+
+// The names by which the server's own threads and half-open logins go are no way to hide.
+TEST_F(WithoutPerformanceSchemaTest, NobodyHidesBehindANameOfTheServers) {
+  const std::vector<std::string> names = {"system user", "unauthenticated user"};
+  std::vector<Session> sessions;
+  for (const std::string& name : names) {
+    admin_.execute("CREATE OR REPLACE USER '" + name + "'@'127.0.0.1' IDENTIFIED BY 'secret'");
+    sessions.emplace_back(server_, name);
+  }
+  const testing_support::FileDescriptor halfOpen(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(server_.port());
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  ASSERT_EQ(::connect(halfOpen.number(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  ASSERT_TRUE(testing_support::waitUntil([this] {
+    return admin_.value(
+               "SELECT COUNT(*) FROM information_schema.processlist"
+               " WHERE command = 'Connect'") == "1";
+  }));
+
+  std::vector<std::string> clients;
+  for (const tal::Client& row : engine_->clients()) clients.push_back(row.sessionName);
+  std::vector<std::string> users;
+  for (const tal::SqlConnection& row : engine_->sqlConnections()) users.push_back(row.userName);
+
+  ASSERT_EQ(clients.size(), 4U);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const std::string id = std::to_string(sessions[i].id());
+    EXPECT_EQ(clients[i + 2], names[i] + "@127.0.0.1 #" + id);
+  }
+  EXPECT_EQ(users, (std::vector<std::string>{"root", "zelk", names[0], names[1]}));
+  for (const std::string& name : names) admin_.execute("DROP USER '" + name + "'@'127.0.0.1'");
 }
 
 }  // namespace

@@ -8,8 +8,8 @@
 
 namespace mariadb_testing {
 
-Session::Session(const PrivateServer& server, const std::string& user)
-    : mysql_(logIn("127.0.0.1", user, "secret", server.port(), nullptr)) {}
+Session::Session(const PrivateServer& server, const std::string& user, const std::string& program)
+    : mysql_(logIn("127.0.0.1", user, "secret", server.port(), nullptr, program)) {}
 
 Session Session::administrator(const PrivateServer& server) {
   return Session(logIn(nullptr, "root", "", 0, server.socketPath().c_str()));
@@ -25,10 +25,13 @@ bool Session::canLogIn(const std::string& socketPath) {
 }
 
 Session::Handle Session::logIn(const char* host, const std::string& user, const char* password,
-                               unsigned int port, const char* socket) {
+                               unsigned int port, const char* socket, const std::string& program) {
   tal::mariadb::initialiseClientLibrary();
   Handle handle(mysql_init(nullptr));
   mysql_options(handle.get(), MYSQL_SET_CHARSET_NAME, "utf8mb4");
+  if (!program.empty()) {
+    mysql_optionsv(handle.get(), MYSQL_OPT_CONNECT_ATTR_ADD, "program_name", program.c_str());
+  }
   if (mysql_real_connect(handle.get(), host, user.c_str(), password, nullptr, port, socket, 0) ==
       nullptr) {
     throw std::runtime_error(mysql_error(handle.get()));

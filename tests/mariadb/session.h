@@ -15,8 +15,9 @@ class PrivateServer;
 // Throws std::runtime_error with the server's words when a statement fails.
 class Session {
  public:
-  // Logs in by TCP as "app", or as `user` with the password "secret".
-  explicit Session(const PrivateServer& server, const std::string& user = "app");
+  // Logs in by TCP as "app", or as `user` with the password "secret"; says that it is `program`.
+  explicit Session(const PrivateServer& server, const std::string& user = "app",
+                   const std::string& program = "");
   // Logs in as root through the socket.
   static Session administrator(const PrivateServer& server);
   static bool canLogIn(const std::string& socketPath);
@@ -40,7 +41,7 @@ class Session {
 
   explicit Session(Handle handle) : mysql_(std::move(handle)) {}
   static Handle logIn(const char* host, const std::string& user, const char* password,
-                      unsigned int port, const char* socket);
+                      unsigned int port, const char* socket, const std::string& program = "");
   void require(bool done);
 
   Handle mysql_;

@@ -1,4 +1,5 @@
 // What zelk reports of a MariaDB server under a small load, beside what the server says itself.
+#include <optional>
 #include <thread>
 
 #include "tests/mariadb/server_test.h"
@@ -258,6 +259,95 @@ TEST_F(PlainTest, LocksAtIssueAreListedWithTheirSessions) {
     EXPECT_EQ(report.sessions.size(), 4U);
     EXPECT_EQ(linesOf(handlesOfFiles(report)).size(), 4U);
   }
+}
+
+// Everything that a user of the server can name, named to break a report or to forge a member of
+// it.
+template <typename Server>
+class HostileTest : public Server {
+ protected:
+  void stage() {
+    const std::string forged = R"(x","connection_status":"Idle","note":"forged\\ )";
+    const std::string user = "'u\"ser\\\\\n'@'127.0.0.1'";
+    this->engine_.reset();
+    this->admin_.executeAll({"CREATE OR REPLACE USER " + user + " IDENTIFIED BY 'secret'",
+                             "GRANT ALL ON *.* TO " + user, "CREATE OR REPLACE DATABASE `d\"b\\`",
+                             "CREATE TABLE `d\"b\\`.`t\"a\\` (id INT PRIMARY KEY) ENGINE=InnoDB",
+                             "CREATE TABLE `d\"b\\`.`m\"\\` (id INT) ENGINE=MEMORY",
+                             "CREATE VIEW `d\"b\\`.`v\"\\` AS SELECT * FROM `d\"b\\`.`t\"a\\`",
+                             "CREATE TABLE app.aria (id INT) ENGINE=Aria",
+                             "CREATE TABLE app.mi (id INT) ENGINE=MyISAM"});
+    hostile_.emplace(this->server_, "u\"ser\\\n", forged);
+    hostile_->executeAll({"USE `d\"b\\`", "SELECT GET_LOCK('l\"o\\ck', 0)", "BEGIN",
+                          "INSERT INTO `t\"a\\` VALUES (1)", "SELECT * FROM `v\"\\`",
+                          "SELECT * FROM `m\"\\`", "SELECT * FROM seq_1_to_3"});
+    waiter_.emplace(this->server_, "u\"ser\\\n", forged);
+    waiter_->start("SELECT GET_LOCK('l\"o\\ck', 1000)");
+    locker_.emplace(this->session());
+    locker_->execute("LOCK TABLES mi READ, aria READ");
+  }
+
+  void TearDown() override {
+    hostile_.reset();
+    waiter_.reset();
+    locker_.reset();
+    Server::TearDown();
+    this->admin_.executeAll(
+        {"DROP DATABASE IF EXISTS `d\"b\\`", "DROP USER IF EXISTS 'u\"ser\\\\\n'@'127.0.0.1'"});
+  }
+
+  // Each section on and off, but for those whose absence leaves a comma at the document's end.
+  void expectWellFormed() {
+    const std::string location = "mariadb://" + mariadb_testing::locationOf(this->server_);
+    for (int off = 0; off < 16; ++off) {
+      std::vector<std::pair<std::string, std::string>> changes;
+      for (const char* const section : {"FILE", "SESS", "CONN", "RESO"}) {
+        const auto bit = static_cast<unsigned>(changes.size());
+        changes.emplace_back(section, (static_cast<unsigned>(off) >> bit & 1U) != 0 ? "NO" : "YES");
+      }
+      const Monitor monitor({location}, changes);
+      const testing_support::Result result = testing_support::run(monitor.command(kAsJson));
+      EXPECT_EQ(result.ending, testing_support::Ending::exit(0)) << result.error;
+      EXPECT_NO_THROW(requireJson(result.output)) << off;
+    }
+  }
+
+ private:
+  std::optional<Session> hostile_;
+  std::optional<Session> waiter_;
+  std::optional<Session> locker_;
+};
+
+using HostileInstrumentedTest = HostileTest<mariadb_testing::InstrumentedServerTest>;
+using HostilePlainTest = HostileTest<mariadb_testing::PlainServerTest>;
+
+TEST_F(HostileInstrumentedTest, JsonIsWellFormed) {
+  stage();
+  expectWellFormed();
+}
+
+TEST_F(HostilePlainTest, JsonIsWellFormed) {
+  stage();
+  expectWellFormed();
+}
+
+// An empty folder has no plugin for this way to log in.
+TEST_F(HostilePlainTest, PluginsComeFromTheSystemsFolder) {
+  this->engine_.reset();
+  this->admin_.executeAll(
+      {"INSTALL SONAME 'auth_ed25519'",
+       "CREATE OR REPLACE USER ed@'127.0.0.1' IDENTIFIED VIA ed25519 USING PASSWORD('secret')",
+       "GRANT ALL ON *.* TO ed@'127.0.0.1'"});
+  const Monitor monitor({"mariadb://" + mariadb_testing::locationOf(server_), "ed"});
+  testing_support::Command command = monitor.command(kAsText);
+  command.environment["MARIADB_PLUGIN_DIR"] = "/nonexistent";
+  command.environment["LIBMYSQL_PLUGINS"] = "dialog";
+
+  const testing_support::Result result = testing_support::run(command);
+
+  EXPECT_EQ(result.error, "");
+  EXPECT_EQ(result.ending, testing_support::Ending::exit(0));
+  this->admin_.executeAll({"DROP USER ed@'127.0.0.1'", "UNINSTALL SONAME 'auth_ed25519'"});
 }
 
 }  // namespace
