@@ -18,27 +18,33 @@ namespace {
 
 void say(const std::string& text) { std::fprintf(stderr, "%s: %s\n", kProgram.name, text.c_str()); }
 
-// Takes back the last bytes that were written, where standard output is a file.
-void takeBack(off_t written) {
-  const off_t end = ::lseek(STDOUT_FILENO, 0, SEEK_CUR);
-  if (written > 0 && end >= written) {
-    [[maybe_unused]] const int result = ::ftruncate(STDOUT_FILENO, end - written);
-  }
-}
-
-void writeToStandardOutput(std::string_view bytes) {
-  std::size_t written = 0;
-  while (written < bytes.size()) {
-    const ssize_t count = ::write(STDOUT_FILENO, bytes.data() + written, bytes.size() - written);
-    if (count >= 0) {
-      written += static_cast<std::size_t>(count);
-    } else if (errno != EINTR) {
-      const int error = errno;
-      takeBack(static_cast<off_t>(written));
-      throw std::system_error(error, std::generic_category(), "standard output");
+// Standard output while a moment is written.
+class StandardOutput {
+ public:
+  void put(std::string_view bytes) {
+    while (!bytes.empty()) {
+      const ssize_t count = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
+      if (count >= 0) {
+        written_ += count;
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+      } else if (errno != EINTR) {
+        fail(errno);
+      }
     }
   }
-}
+
+ private:
+  // A file gets no part of a moment.
+  [[noreturn]] void fail(int error) const {
+    const off_t end = ::lseek(STDOUT_FILENO, 0, SEEK_CUR);
+    if (written_ > 0 && end >= written_) {
+      [[maybe_unused]] const int result = ::ftruncate(STDOUT_FILENO, end - written_);
+    }
+    throw std::system_error(error, std::generic_category(), "standard output");
+  }
+
+  off_t written_ = 0;
+};
 
 }  // namespace
 
@@ -49,19 +55,26 @@ struct Output::Compressor {
     ZSTD_CCtx_setParameter(context.get(), ZSTD_c_checksumFlag, 1);
   }
 
-  std::string_view frameOf(std::string_view bytes) {
-    frame.resize(ZSTD_compressBound(bytes.size()));
-    const std::size_t length =
-        ZSTD_compress2(context.get(), frame.data(), frame.size(), bytes.data(), bytes.size());
-    if (ZSTD_isError(length) != 0) throw std::bad_alloc();
-    return {frame.data(), length};
+  // Compresses a part, the last of a moment with ZSTD_e_end.
+  void compress(std::string_view part, ZSTD_EndDirective directive, const Put& put) {
+    ZSTD_inBuffer in{part.data(), part.size(), 0};
+    std::size_t left = 0;
+    do {
+      ZSTD_outBuffer out{frame.data(), frame.size(), 0};
+      left = ZSTD_compressStream2(context.get(), &out, &in, directive);
+      if (ZSTD_isError(left) != 0) throw std::bad_alloc();
+      put({frame.data(), out.pos});
+    } while (in.pos < in.size || (directive == ZSTD_e_end && left > 0));
   }
+
+  // Forgets the part of a moment that was compressed.
+  void forget() { ZSTD_CCtx_reset(context.get(), ZSTD_reset_session_only); }
 
   struct Free {
     void operator()(ZSTD_CCtx* each) const noexcept { ZSTD_freeCCtx(each); }
   };
   std::unique_ptr<ZSTD_CCtx, Free> context{ZSTD_createCCtx()};
-  std::string frame;
+  std::string frame = std::string(ZSTD_CStreamOutSize(), '\0');
 };
 
 Output::Output(const Options& options, std::string server, bool sync)
@@ -83,25 +96,43 @@ void Output::open(std::int64_t wallTime) {
 }
 
 bool Output::write(const tal::recording::Moment& moment) {
-  line_.clear();
-  tal::recording::appendLine(line_, moment);
-  const std::string_view bytes = compressor_ ? compressor_->frameOf(line_) : line_;
-  if (options_.output.empty()) {
-    writeToStandardOutput(bytes);
-  } else if (!writeToFile(moment.heading.time, bytes)) {
-    return false;
-  }
-  bytes_ += bytes.size();
+  if (!options_.output.empty()) return writeToFile(moment);
+  StandardOutput output;
+  writeThrough(moment, [&output](std::string_view bytes) { output.put(bytes); });
   return true;
 }
 
-bool Output::writeToFile(std::int64_t wallTime, std::string_view bytes) {
+// Counts the bytes that are put.
+void Output::writeThrough(const tal::recording::Moment& moment, const Put& put) {
+  std::uint64_t count = 0;
+  const Put counting = [&](std::string_view bytes) {
+    put(bytes);
+    count += bytes.size();
+  };
+  if (compressor_) {
+    tal::recording::writeLine(moment, [&](std::string_view part) {
+      compressor_->compress(part, ZSTD_e_continue, counting);
+    });
+    compressor_->compress({}, ZSTD_e_end, counting);
+  } else {
+    tal::recording::writeLine(moment, counting);
+  }
+  bytes_ += count;
+}
+
+bool Output::writeToFile(const tal::recording::Moment& moment) {
   try {
-    open(wallTime);
+    open(moment.heading.time);
     if (!hasRoom(file_->name())) return pause("the disk has less room than --leave-free wants");
-    file_->append(bytes);
+    writeThrough(moment, [this](std::string_view bytes) { file_->append(bytes); });
+    file_->finishMoment();
   } catch (const DiskFull& failure) {
+    if (compressor_) compressor_->forget();
+    if (file_) file_->abandonMoment();
     return pause(failure.what());
+  } catch (...) {
+    if (file_) file_->abandonMoment();
+    throw;
   }
   if (sync_) file_->sync();
   if (std::exchange(isPaused_, false)) say("recording again");

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "companions/record/file_names.h"
 #include "companions/record/options.h"
@@ -36,7 +38,10 @@ class Output {
  private:
   struct Compressor;
 
-  bool writeToFile(std::int64_t wallTime, std::string_view bytes);
+  using Put = std::function<void(std::string_view bytes)>;
+
+  bool writeToFile(const tal::recording::Moment& moment);
+  void writeThrough(const tal::recording::Moment& moment, const Put& put);
   [[nodiscard]] bool hasRoom(const std::string& name) const;
   void removeOldest() const;
   bool pause(const std::string& why);
@@ -47,7 +52,6 @@ class Output {
   FileNames names_;
   std::optional<RecordingFile> file_;
   std::unique_ptr<Compressor> compressor_;
-  std::string line_;
   std::uint64_t bytes_ = 0;
   bool isPaused_ = false;
 };

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <optional>
 #include <system_error>
+#include <utility>
 
 #include "tal/recording/lines.h"
 #include "tal/recording/writer.h"
@@ -88,23 +89,24 @@ RecordingFile::RecordingFile(const std::string& name, const std::string& server)
 RecordingFile::~RecordingFile() { ::close(descriptor_); }
 
 void RecordingFile::append(std::string_view bytes) {
-  std::size_t written = 0;
-  while (written < bytes.size()) {
-    const ssize_t count = ::write(descriptor_, bytes.data() + written, bytes.size() - written);
-    if (count >= 0) {
-      written += static_cast<std::size_t>(count);
-      continue;
-    }
-    const int error = errno;
-    if (error == EINTR) continue;
-    // The end is asked for now: somebody may have emptied the file meanwhile.
-    struct stat status {};
-    const auto partial = static_cast<off_t>(written);
-    if (partial > 0 && (::fstat(descriptor_, &status) != 0 || status.st_size < partial ||
-                        ::ftruncate(descriptor_, status.st_size - partial) != 0)) {
-      fail("cannot be cut back to its last whole moment", errno);
-    }
-    fail("cannot be written", error);
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+    if (count < 0 && errno != EINTR) fail("cannot be written", errno);
+    if (count < 0) continue;
+    written_ += static_cast<std::uint64_t>(count);
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+void RecordingFile::abandonMoment() {
+  const auto written = static_cast<off_t>(std::exchange(written_, 0));
+  if (written == 0) return;
+  // The end is asked for now: somebody may have emptied the file meanwhile.
+  struct stat status {};
+  if (::fstat(descriptor_, &status) != 0) fail("cannot be read", errno);
+  if (status.st_size < written) return;
+  if (::ftruncate(descriptor_, status.st_size - written) != 0) {
+    fail("cannot be cut back to its last whole moment", errno);
   }
 }
 

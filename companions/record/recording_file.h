@@ -33,8 +33,15 @@ class RecordingFile {
 
   [[nodiscard]] const std::string& name() const { return name_; }
 
-  // Appends a moment, whole or not at all. Throws DiskFull and FileFailure.
+  // Appends a part of a moment. Throws DiskFull and FileFailure: the moment is to be abandoned
+  // then.
   void append(std::string_view bytes);
+
+  // The moment is complete.
+  void finishMoment() noexcept { written_ = 0; }
+
+  // Takes back what was written of a moment that cannot be completed. Throws FileFailure.
+  void abandonMoment();
 
   // Waits until everything has reached the disk. Throws FileFailure.
   void sync();
@@ -46,6 +53,7 @@ class RecordingFile {
 
   std::string name_;
   int descriptor_;
+  std::uint64_t written_ = 0;  // bytes of the present moment
 };
 
 }  // namespace companions::record

@@ -10,7 +10,7 @@
 namespace tal::recording {
 namespace {
 
-constexpr std::size_t kBlock = std::size_t{1} << 20U;  // bytes read at once
+constexpr std::size_t kBlock = std::size_t{1} << 18U;  // bytes read at once
 
 constexpr const char* kTooLong = "the line is longer than 1 GiB";
 constexpr const char* kNoObject = "the line does not begin with \"{\"";

@@ -17,16 +17,20 @@ namespace {
 // the difference to kHeadingLimit.
 constexpr std::size_t kServerLimit = 512;
 
+constexpr std::size_t kPart = std::size_t{1} << 18U;  // bytes that are handed over at once
+
+using Take = std::function<void(std::string_view part)>;
+
 class Writer {
  public:
-  explicit Writer(std::string& out) : out_(out) {}
+  explicit Writer(const Take& take) : take_(take) {}
 
-  [[nodiscard]] auto visitor() const {
+  [[nodiscard]] auto visitor() {
     return [this](const Key& key, const auto& field) { write(key, field); };
   }
 
   template <std::integral Number>
-  void write(const Key& key, Number number) const {
+  void write(const Key& key, Number number) {
     writeKey(key);
     const auto word = std::ranges::find(key.words, std::int64_t(number), &Word::code);
     if (word != key.words.end()) {
@@ -36,57 +40,70 @@ class Writer {
     }
   }
 
-  void write(const Key& key, const std::string& text) const {
+  void write(const Key& key, const std::string& text) {
     writeKey(key);
     appendText(out_, text);
   }
 
-  void write(const Key& key, const Gauge& gauge) const {
+  void write(const Key& key, const Gauge& gauge) {
     writeObject(key, [&] { visitGauge(visitor(), gauge); });
   }
 
   template <typename WriteFields>
-  void writeObject(const Key& key, const WriteFields& writeFields) const {
+  void writeObject(const Key& key, const WriteFields& writeFields) {
     writeKey(key);
     braced(writeFields);
   }
 
   template <typename Entry, typename WriteFields>
   void writeList(const Key& key, const std::vector<Entry>& entries,
-                 const WriteFields& writeFields) const {
+                 const WriteFields& writeFields) {
     writeKey(key);
     out_ += '[';
     for (const Entry& entry : entries) {
       if (&entry != entries.data()) out_ += ',';
       braced([&] { writeFields(entry); });
+      if (out_.size() > kPart) handOver();
     }
     out_ += ']';
   }
 
+  void end() {
+    out_ += '\n';
+    take_(out_);
+  }
+
   template <typename WriteFields>
-  void braced(const WriteFields& writeFields) const {
+  void braced(const WriteFields& writeFields) {
     out_ += '{';
     writeFields();
     out_ += '}';
   }
 
  private:
-  void writeKey(const Key& key) const {
+  void writeKey(const Key& key) {
     if (out_.back() != '{') out_ += ',';
     out_.append(1, '"').append(key.name).append("\":");
   }
 
   template <typename Number>
-  void appendNumber(Number number) const {
+  void appendNumber(Number number) {
     std::array<char, 24> digits;
     const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), number);
     out_.append(digits.data(), end);
   }
 
-  std::string& out_;
+  // All but the last character, which decides whether a comma follows.
+  void handOver() {
+    take_(std::string_view(out_).substr(0, out_.size() - 1));
+    out_.erase(0, out_.size() - 1);
+  }
+
+  const Take& take_;
+  std::string out_;
 };
 
-void writeHeading(const Writer& writer, const Heading& heading) {
+void writeHeading(Writer& writer, const Heading& heading) {
   writer.write("zelk_recording", kFormatVersion);
   writer.write("run", heading.run);
   writer.write("sequence", heading.sequence);
@@ -99,7 +116,7 @@ void writeHeading(const Writer& writer, const Heading& heading) {
   writer.write("server", recordableServer(heading.server));
 }
 
-void writeFiles(const Writer& writer, const std::vector<OpenFile>& files) {
+void writeFiles(Writer& writer, const std::vector<OpenFile>& files) {
   writer.writeList(kFileKey, files, [&](const OpenFile& file) {
     visitFile(writer.visitor(), file);
     writer.writeList(kHandleKey, file.handles,
@@ -107,7 +124,7 @@ void writeFiles(const Writer& writer, const std::vector<OpenFile>& files) {
   });
 }
 
-void writeClients(const Writer& writer, const std::vector<Client>& clients) {
+void writeClients(Writer& writer, const std::vector<Client>& clients) {
   writer.writeList(kClientKey, clients, [&](const Client& client) {
     visitClient(writer.visitor(), client);
     writer.writeList(kHandleKey, client.handles, [&](const ClientHandle& handle) {
@@ -116,7 +133,7 @@ void writeClients(const Writer& writer, const std::vector<Client>& clients) {
   });
 }
 
-void writeCommunication(const Writer& writer, const Communication& communication) {
+void writeCommunication(Writer& writer, const Communication& communication) {
   writer.writeObject(kCommunicationKey, [&] {
     visitCommunication(writer.visitor(), communication);
     writer.writeList(kProtocolKey, communication.protocols,
@@ -124,7 +141,7 @@ void writeCommunication(const Writer& writer, const Communication& communication
   });
 }
 
-void writeError(const Writer& writer, const Error& error) {
+void writeError(Writer& writer, const Error& error) {
   writer.writeObject("error", [&] {
     writer.write("call", error.call);
     writer.write("status", error.status);
@@ -132,7 +149,7 @@ void writeError(const Writer& writer, const Error& error) {
   });
 }
 
-void writeMoment(const Writer& writer, const Moment& moment) {
+void writeMoment(Writer& writer, const Moment& moment) {
   writeHeading(writer, moment.heading);
   const auto visit = writer.visitor();
   if (moment.engine) {
@@ -165,10 +182,14 @@ std::string recordableServer(std::string_view server) {
   return std::string(server);
 }
 
-void appendLine(std::string& out, const Moment& moment) {
-  const Writer writer(out);
+void writeLine(const Moment& moment, const Take& take) {
+  Writer writer(take);
   writer.braced([&] { writeMoment(writer, moment); });
-  out += '\n';
+  writer.end();
+}
+
+void appendLine(std::string& out, const Moment& moment) {
+  writeLine(moment, [&out](std::string_view part) { out += part; });
 }
 
 }  // namespace tal::recording
