@@ -6,6 +6,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "monitor/JsonFrame.h"
 #include "output/ProcessWide.h"
@@ -27,11 +28,13 @@ void attempt(Report report) {
 }
 
 // As the user reads it on standard error.
-orv::String errorLine(orv::String text) {
+orv::String line(const char* jsonName, orv::String text) {
   if (!m_JSON) return text;
   Utils::addBackslashChars(text, '"');
-  return "\t\"error\": \"" + text + "\"";
+  return "\t\"" + orv::String(jsonName) + "\": \"" + text + "\"";
 }
+
+orv::String errorLine(orv::String text) { return line("error", std::move(text)); }
 
 void printErrorLine(const orv::String& text) {
   attempt([] { displayJSONHeader(m_JSON, 0, 0); });
@@ -105,6 +108,10 @@ int reportFailure(const orv::Exception& failure) {
 int reportFatal(int code) {
   printErrorLine(s_msgHelper->getResStr("FATAL_ERROR", code));
   return code;
+}
+
+void reportWarning(const orv::String& text) {
+  attempt([&text] { s_errpw->println(line("warning", text)); });
 }
 
 void installTerminateHandler() noexcept { std::set_terminate(onTerminate); }

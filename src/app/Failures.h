@@ -18,6 +18,9 @@ int reportFailure(const orv::Exception& failure);
 // The fatal-error message. The JSON document stays open (deliberate).
 int reportFatal(int code);
 
+// Prints a line on standard error, in JSON mode as a member of the document; nothing else changes.
+void reportWarning(const orv::String& text);
+
 // From now on an exception that nothing catches ends the process with a line on standard error and
 // the exit code of its kind, without a core file.
 void installTerminateHandler() noexcept;

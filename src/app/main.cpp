@@ -24,6 +24,9 @@ void printBanner() {
 void monitor(const orv::String& fileName, bool runOnce) {
   ConfigFileReader reader(fileName);
   s_config = reader.readConfiguration();
+  if (s_config->isPasswordExposed) {
+    reportWarning(s_msgHelper->getResStr("WARN_PASSWORD_EXPOSED", fileName.toBytes().c_str()));
+  }
   MonitorProcessor processor(s_config.get(), m_JSON);
   displayJSONHeader(m_JSON, 0, 1);
   processor.startMonitoring(runOnce, m_JSON);
@@ -55,6 +58,7 @@ int monitorGuarded(const orv::String& fileName, bool runOnce) {
 int main(int argc, char** argv) {
   installTerminateHandler();
   orv::keepStandardDescriptors();
+  orv::keepMemoryPrivate();
   orv::useMessageLanguage();
   createProcessWideObjects();
   orv::ignoreFileSizeSignal();

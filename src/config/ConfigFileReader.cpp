@@ -58,14 +58,16 @@ orv::OwningPtr<ConfigData> ConfigFileReader::readConfiguration() {
   readWholeFile();
   data_ = orv::makeOwned<ConfigData>();
   setValues();
+  settings_->wipe();  // the password is among them
   return std::move(data_);
 }
 
 void ConfigFileReader::openFile() {
   try {
-    lines_ =
-        orv::makeReference<orv::io::BufferedReader>(orv::makeReference<orv::io::InputStreamReader>(
-            orv::makeReference<orv::io::FileInputStream>(fileName_, kLargestFile), kBufferSize));
+    const auto file = orv::makeReference<orv::io::FileInputStream>(fileName_, kLargestFile);
+    isReadableByOthers_ = file->isReadableByOthers();
+    lines_ = orv::makeReference<orv::io::BufferedReader>(
+        orv::makeReference<orv::io::InputStreamReader>(file, kBufferSize));
   } catch (const orv::Exception& exception) {
     throwError(exception.getResult());
   }
@@ -83,12 +85,14 @@ void ConfigFileReader::readWholeFile() {
 void ConfigFileReader::readLines() {
   orv::String line;
   while (lines_->readLine(line)) {
-    const orv::String trimmed = line.trim();
+    orv::String trimmed = line.trim();
     if (isComment(trimmed)) continue;
     if (lines_->isLineCut() && (trimmed.contains(L'=') || lines_->restOfLineHas(L'='))) {
       throw ConfigException(messages_->getResStr("ERR_LINE_TOO_LONG"));
     }
     addConfigSetting(trimmed);
+    trimmed.wipe();
+    line.wipe();
   }
 }
 
@@ -131,6 +135,7 @@ void ConfigFileReader::setValues() {
   data_->server = getValue(kServer, true);
   data_->user = getValue(kUser, false);
   data_->password = getValue(kPassword, false);
+  data_->isPasswordExposed = isReadableByOthers_ && !data_->password.isEmpty();
   setRefreshRate();
   setRefreshlimit();
   setOutputTypes();

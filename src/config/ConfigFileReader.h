@@ -59,6 +59,7 @@ class ConfigFileReader {
 
   orv::String fileName_;
   orv::Reference<MessageHelper> messages_;
+  bool isReadableByOthers_ = false;
   orv::Reference<orv::io::BufferedReader> lines_;
   orv::Reference<orv::collections::StringHashMap> settings_;
   orv::OwningPtr<ConfigData> data_;

@@ -39,7 +39,7 @@ void VXAMonitorHelper::connect(const orv::String& server, const orv::String& use
     handle_ = kLocalEngine;
     return;
   }
-  const std::string texts[] = {server.toBytes(), user.toBytes(), password.toBytes()};
+  std::string texts[] = {server.toBytes(), user.toBytes(), password.toBytes()};
   for (const std::string& text : texts) {
     if (text.size() <= kLongestCredential && text.find('\0') == std::string::npos) continue;
     stop();
@@ -49,6 +49,7 @@ void VXAMonitorHelper::connect(const orv::String& server, const orv::String& use
   std::int32_t connected = kNoConnection;
   const std::int16_t status =
       TalConnectServer(texts[0].c_str(), texts[1].c_str(), texts[2].c_str(), &connected);
+  orv::wipe(texts[2]);
   if (status != 0) stop();
   check(status);
   handle_ = connected;

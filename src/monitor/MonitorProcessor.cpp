@@ -8,7 +8,7 @@
 std::atomic<bool> s_stopRequested{false};
 const orv::String s_notAvailable("n/a");
 
-MonitorProcessor::MonitorProcessor(const ConfigData* config, bool json)
+MonitorProcessor::MonitorProcessor(ConfigData* config, bool json)
     : config_(config), messages_(orv::makeReference<MessageHelper>("ZELK", "ZELK_")) {
   createMaps(json);
 }
@@ -25,6 +25,7 @@ void MonitorProcessor::startMonitoring(bool runOnce, bool json) {
   printConfiguration(json);
   engine_ = orv::makeOwned<VXAMonitorHelper>();
   engine_->connect(config_->server, config_->user, config_->password);
+  config_->password.wipe();
   orv::installStopSignals(s_stopRequested);
   engineType_ = engine_->getEngineType();
   writeRunStart(json);

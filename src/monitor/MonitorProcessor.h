@@ -26,9 +26,9 @@ extern const orv::String s_notAvailable;
 // (VXAException) and of the output (orv::io::IoException) end the run. Used by the main thread.
 class MonitorProcessor {
  public:
-  // The configuration is not owned and must outlive the processor. `json` selects the flavour of
-  // the value maps.
-  MonitorProcessor(const ConfigData* config, bool json);
+  // The configuration is not owned and must outlive the processor, which wipes the password once it
+  // is not needed any more. `json` selects the flavour of the value maps.
+  MonitorProcessor(ConfigData* config, bool json);
   MonitorProcessor(const MonitorProcessor&) = delete;
   MonitorProcessor& operator=(const MonitorProcessor&) = delete;
   // Disconnects from the engine.
@@ -120,7 +120,7 @@ class MonitorProcessor {
   // One line of a report, behind `tabs` tabs.
   void put(orv::String line, int tabs = 0) { output_->putData(std::move(line), tabs); }
 
-  const ConfigData* config_;
+  ConfigData* config_;
   orv::OwningPtr<VXAMonitorHelper> engine_;
   orv::Reference<FormatHelper> output_;
   orv::Reference<MessageHelper> messages_;

@@ -65,6 +65,11 @@ class HashMap : public Object {
 
   [[nodiscard]] std::size_t size() const noexcept { return map_.size(); }
 
+  // Leaves every value empty, and nothing of them in memory.
+  void wipe() noexcept {
+    for (auto& entry : map_) entry.second.wipe();
+  }
+
  private:
   std::unordered_map<Key, String, Hash> map_;
 };

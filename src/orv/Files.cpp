@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -11,6 +12,16 @@
 #include "orv/Exception.h"
 
 namespace orv {
+namespace {
+
+bool isForeignIn(const std::filesystem::path& folder, const struct stat& entry) {
+  struct stat status {};
+  if (stat(folder.empty() ? "." : folder.c_str(), &status) != 0) return false;
+  const bool everybodyWrites = (status.st_mode & S_IWOTH) != 0;
+  return everybodyWrites && entry.st_uid != geteuid() && entry.st_uid != status.st_uid;
+}
+
+}  // namespace
 
 DirHandle* ORVDirOpen(const String& path) {
   return reinterpret_cast<DirHandle*>(opendir(path.toBytes().c_str()));
@@ -33,6 +44,18 @@ Result ORVDirCreate(const String& path, unsigned permissions) {
 bool ORVPathExists(const String& path) {
   struct stat status {};
   return stat(path.toBytes().c_str(), &status) == 0;
+}
+
+bool isPlanted(const String& path) {
+  std::filesystem::path at;
+  for (const auto& name : std::filesystem::path(path.toBytes())) {
+    const std::filesystem::path folder = at;
+    at /= name;
+    struct stat entry {};
+    if (lstat(at.c_str(), &entry) != 0) return false;  // nothing is there yet
+    if (!S_ISDIR(entry.st_mode) && isForeignIn(folder, entry)) return true;
+  }
+  return false;
 }
 
 }  // namespace orv

@@ -19,6 +19,11 @@ Result ORVDirCreate(const String& path, unsigned permissions);
 // True if a status query on the path succeeds.
 bool ORVPathExists(const String& path);
 
+// True if somebody may have planted what the path names, so that it must not be written: in a
+// folder that every user can write, it is, or it is reached by, a link or a file that belongs
+// neither to this user nor to the folder's owner.
+bool isPlanted(const String& path);
+
 }  // namespace orv
 
 namespace orv::util {

@@ -5,6 +5,8 @@
 #include <malloc.h>
 #include <pthread.h>
 #include <signal.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -114,6 +116,14 @@ bool stopSignalCame() noexcept { return s_came.load(); }
 int stopSignalDescriptor() noexcept { return s_wakePipe[0]; }
 
 void ignoreFileSizeSignal() noexcept { signal(SIGXFSZ, SIG_IGN); }
+
+void keepMemoryPrivate() noexcept {
+  constexpr rlimit kNone{0, 0};
+  setrlimit(RLIMIT_CORE, &kNone);
+#ifndef __SANITIZE_ADDRESS__  // whose search for leaks looks into the process
+  prctl(PR_SET_DUMPABLE, 0);
+#endif
+}
 
 Result ORVThreadCreate(ThreadBody body, void* argument, const char* name) {
   const std::string shortName(name, std::min(std::strlen(name), kThreadNameLength));

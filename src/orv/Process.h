@@ -33,6 +33,10 @@ int stopSignalDescriptor() noexcept;
 // of ending the process without a word.
 void ignoreFileSizeSignal() noexcept;
 
+// From now on the process leaves no core file, and the user's other processes cannot look into its
+// memory, where a password stands.
+void keepMemoryPrivate() noexcept;
+
 using ThreadBody = void* (*)(void*);
 
 // Starts `body(argument)` on a detached thread called `name` (the system shows the first 15 bytes).

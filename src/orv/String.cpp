@@ -57,6 +57,11 @@ void String::insert(std::size_t index, std::size_t count, wchar_t character) {
   text_.insert(index, count, character);
 }
 
+void String::wipe() noexcept {
+  explicit_bzero(text_.data(), text_.size() * sizeof(wchar_t));
+  text_.clear();
+}
+
 bool String::contains(wchar_t character) const noexcept {
   return text_.find(character) != std::wstring::npos;
 }
@@ -89,6 +94,11 @@ String operator+(const char* left, const String& right) {
   result.text_.reserve(bytes.size() + right.length() + kSlack);
   result.append(bytes);
   return std::move(result.append(right));
+}
+
+void wipe(std::string& bytes) noexcept {
+  explicit_bzero(bytes.data(), bytes.size());
+  bytes.clear();
 }
 
 void ORVUnicodeToAnsi(const String& text, char* buffer, std::size_t size) {

@@ -39,6 +39,9 @@ class String {
   // `index` is at most length().
   void insert(std::size_t index, std::size_t count, wchar_t character);
 
+  // Becomes empty and leaves nothing of the text in memory.
+  void wipe() noexcept;
+
   [[nodiscard]] bool contains(wchar_t character) const noexcept;
   [[nodiscard]] bool startsWith(std::wstring_view start) const noexcept;
   [[nodiscard]] bool equalsIgnoreCase(const String& other) const noexcept;
@@ -56,6 +59,9 @@ class String {
  private:
   std::wstring text_;
 };
+
+// Becomes empty and leaves nothing of the bytes in memory.
+void wipe(std::string& bytes) noexcept;
 
 // Copies the text's bytes into `buffer`, cut at a character to fit with a closing NUL. `size` is
 // the buffer's, at least 1.

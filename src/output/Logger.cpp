@@ -66,6 +66,7 @@ void Logger::addStdOutHandler() { addHandler(orv::makeReference<orv::io::StdioOu
 void Logger::addFileHandler(const orv::String& path) {
   // The system would take the part before a NUL byte for the name.
   if (path.contains(L'\0')) throwError(orv::kFileNotFound, withoutNul(path));
+  if (orv::isPlanted(path)) throwError(orv::kAccessDenied, withFolder(path));
   const orv::Result code = Utils::createDirs(path);
   if (code != 0) throwError(code, path);
   try {

@@ -39,7 +39,8 @@ class Logger : public orv::Object {
   void close();
 
   void addStdOutHandler();
-  // Creates the folders of the path and the file, or empties the file. Throws
+  // Creates the folders of the path and the file, or empties the file. A name with a NUL byte and a
+  // planted file (orv/Files.h) count as files that cannot be created. Throws
   // orv::io::IoException or orv::ResultException; no handler is added then.
   void addFileHandler(const orv::String& path);
 

@@ -54,7 +54,7 @@ ConfigData configurationOf(std::string_view letters, const std::filesystem::path
 }
 
 // True if the run came to its end.
-bool monitor(const ConfigData& config, bool json) {
+bool monitor(ConfigData& config, bool json) {
   try {
     MonitorProcessor(&config, json).startMonitoring(true, json);
     return true;
@@ -91,7 +91,7 @@ void run(std::string_view input) {
   const std::string_view letters = takeLine(input);
   engine() = FuzzedEngine(input);
   const bool json = has(letters, 'J');
-  const ConfigData config = configurationOf(letters, folder.log());
+  ConfigData config = configurationOf(letters, folder.log());
 
   const bool isWhole = monitor(config, json);
 

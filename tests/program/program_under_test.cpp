@@ -129,7 +129,11 @@ testing_support::Command Workplace::unprivilegedCommand(std::vector<std::string>
 }
 
 void Workplace::configure(const std::vector<std::pair<std::string, std::string>>& changes) const {
+  using std::filesystem::perms;
+  const bool hasPassword = std::any_of(changes.begin(), changes.end(),
+                                       [](const auto& change) { return change.first == "PASS"; });
   writeFile(folder_ / "zelk.cfg", configuration(changes));
+  std::filesystem::permissions(folder_ / "zelk.cfg", perms(hasPassword ? 0600 : 0644));
 }
 
 void Workplace::setEngine(const std::string& answers) const {

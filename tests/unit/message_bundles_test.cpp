@@ -45,6 +45,7 @@ const std::map<std::string, std::vector<MessageArgument>> kArguments = {
     {"ERR_LINE_TOO_LONG",        {}                      },
     {"ERR_FILE_TOO_LARGE",       {}                      },
     {"ERR_CREDENTIALS_TOO_LONG", {}                      },
+    {"WARN_PASSWORD_EXPOSED",    {kText}                 },
     {"HDR_USR_CONFIG",           {}                      },
     {"HDR_END_CFG",              {}                      },
     {"MSG_EXIT",                 {}                      },

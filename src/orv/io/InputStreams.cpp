@@ -50,6 +50,8 @@ FileInputStream::FileInputStream(const String& path, std::size_t largest, Kind k
   if (fstat(file_.get(), &status) != 0) throw ResultException(resultOfErrno(errno));
   if (S_ISDIR(status.st_mode)) throw ResultException(resultOfErrno(EISDIR));
   if (kind == kRegularFile && !S_ISREG(status.st_mode)) throw ResultException(kAccessDenied);
+  const mode_t others = status.st_uid == 0 ? S_IROTH : S_IRGRP | S_IROTH;
+  isReadableByOthers_ = S_ISREG(status.st_mode) && (status.st_mode & others) != 0;
 }
 
 std::size_t FileInputStream::read(char* buffer, std::size_t size) {

@@ -34,8 +34,13 @@ class FileInputStream : public InputStream {
   using InputStream::read;
   std::size_t read(char* buffer, std::size_t size) override;
 
+  // True for a regular file that its group or others may read; a file of root may be read by its
+  // group.
+  [[nodiscard]] bool isReadableByOthers() const noexcept { return isReadableByOthers_; }
+
  private:
   FileDescriptor file_;
+  bool isReadableByOthers_ = false;
   std::size_t bytesLeft_;
 };
 

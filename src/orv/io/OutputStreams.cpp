@@ -1,31 +1,44 @@
 #include "orv/io/OutputStreams.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <string>
 
 #include "orv/Exception.h"
+#include "orv/Files.h"
 #include "orv/io/FileDescriptor.h"
 
 namespace orv::io {
 
 namespace {
 
-constexpr mode_t kPermissions = 0666;
+constexpr mode_t kPermissions = 0640;
 
-int openForWriting(const String& path, bool append) {
-  const int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | (append ? 0 : O_TRUNC);
+int openForWriting(const String& path) {
+  const int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC;
   const int descriptor = ::open(path.toBytes().c_str(), flags, kPermissions);
   if (descriptor < 0) throw ResultException(resultOfErrno(errno));
   return descriptor;
 }
 
+// Pipes and devices have nothing to empty.
+void empty(int descriptor) {
+  struct stat status {};
+  const bool isEmptied = fstat(descriptor, &status) == 0 &&
+                         (!S_ISREG(status.st_mode) || ftruncate(descriptor, 0) == 0);
+  if (!isEmptied) throw ResultException(resultOfErrno(errno));
+}
+
 }  // namespace
 
 FileOutputStream::FileOutputStream(const String& path, bool append)
-    : path_(path), file_(openForWriting(path, append)) {}
+    : path_(path), file_(openForWriting(path)) {
+  if (isPlanted(path)) throw ResultException(kAccessDenied);
+  if (!append) empty(file_.get());
+}
 
 void FileOutputStream::write(std::string_view bytes) { writeFully(file_.get(), bytes, path_); }
 

@@ -30,11 +30,11 @@ using WriteErrorText = String (*)(const String& target, const String& reason);
 // English one is used. To be called before a second thread writes.
 void setWriteErrorText(WriteErrorText text) noexcept;
 
-// Creates the file, or opens it: emptied unless `append`. Every write goes to the file's end, also
-// when another program has emptied it meanwhile.
+// Creates the file for its owner and group, or opens it: emptied unless `append`. Every write goes
+// to the file's end, also when another program has emptied it meanwhile.
 class FileOutputStream : public OutputStream {
  public:
-  // Throws ResultException if the file cannot be opened.
+  // Throws ResultException if the file cannot be opened, or is a planted one (orv/Files.h).
   explicit FileOutputStream(const String& path, bool append = false);
 
   void write(std::string_view bytes) override;

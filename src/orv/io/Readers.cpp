@@ -1,6 +1,7 @@
 #include "orv/io/Readers.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -16,6 +17,8 @@ constexpr wchar_t kByteOrderMark = 0xFEFF;
 
 InputStreamReader::InputStreamReader(Reference<InputStream> stream, std::size_t bufferSize)
     : stream_(std::move(stream)), buffer_(bufferSize) {}
+
+InputStreamReader::~InputStreamReader() { explicit_bzero(buffer_.data(), buffer_.size()); }
 
 void InputStreamReader::read(std::wstring& text) {
   text.clear();
@@ -36,6 +39,10 @@ void InputStreamReader::read(std::wstring& text) {
 
 BufferedReader::BufferedReader(Reference<InputStreamReader> reader, std::size_t longestLine)
     : reader_(std::move(reader)), longestLine_(longestLine) {}
+
+BufferedReader::~BufferedReader() {
+  explicit_bzero(buffer_.data(), buffer_.size() * sizeof(wchar_t));
+}
 
 bool BufferedReader::readLine(String& line) {
   if (isLineCut_) skipRestOfLine();

@@ -16,6 +16,8 @@ class InputStreamReader : public Object {
  public:
   // `bufferSize` in bytes, at least 4.
   InputStreamReader(Reference<InputStream> stream, std::size_t bufferSize);
+  // Leaves nothing of what was read in the buffer.
+  ~InputStreamReader() override;
 
   // Replaces `text` by the next characters, at most as many as the buffer has bytes; empty at the
   // end of the input. Throws ResultException.
@@ -35,6 +37,8 @@ class BufferedReader : public Object {
 
   explicit BufferedReader(Reference<InputStreamReader> reader,
                           std::size_t longestLine = kMaximumLineLength);
+  // Leaves nothing of what was read in the buffer.
+  ~BufferedReader() override;
 
   // Replaces `line` by the next line, without its line feed; false at the end of the input. Of a
   // line that is too long only the first `longestLine` characters are read: isLineCut() is then

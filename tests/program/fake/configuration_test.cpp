@@ -312,6 +312,31 @@ TEST_F(Configuration, RefusesCredentialsThatAreTooLong) {
   }
 }
 
+TEST_F(Configuration, WarnsOfAPasswordThatOthersCanRead) {
+  const std::string warning =
+      "Warning: other users can read the configuration file \"zelk.cfg\", which holds a password. "
+      "Make it readable by its owner alone (chmod 600).";
+  const std::string jsonWarning =
+      "\t\"warning\": \"Warning: other users can read the configuration file \\\"zelk.cfg\\\", "
+      "which holds a password. Make it readable by its owner alone (chmod 600).\"";
+  const auto errorWith = [this](const std::string& password, unsigned permissions,
+                                const std::vector<std::string>& arguments) {
+    place_.configure({
+        {"PASS", password}
+    });
+    std::filesystem::permissions(place_ / "zelk.cfg", std::filesystem::perms(permissions));
+    const Result result = run(place_.command(arguments));
+    EXPECT_EQ(result.ending, Ending::exit(0));
+    EXPECT_EQ(result.output.find("Warning"), std::string::npos);
+    return result.error;
+  };
+
+  EXPECT_EQ(errorWith("secret", 0644, kOnce), warning + "\n");
+  EXPECT_EQ(errorWith("secret", 0644, kOnceJson), jsonWarning + "\n");
+  EXPECT_EQ(errorWith("secret", 0600, kOnce), "");
+  EXPECT_EQ(errorWith("", 0644, kOnce), "");
+}
+
 TEST_F(Configuration, RefusesAnEndlessFile) {
   for (const std::string file : {"/dev/zero", "/dev/urandom"}) {
     const Result result = run(place_.command({"-f", file, "-runonce"}));

@@ -84,6 +84,10 @@ class Golden : public ::testing::TestWithParam<std::string> {
   Golden() {
     const auto options = std::filesystem::copy_options::recursive;
     std::filesystem::copy(source_, work_, options);
+    const std::filesystem::path configuration = work_ / "zelk.cfg";
+    if (std::filesystem::is_regular_file(configuration)) {
+      std::filesystem::permissions(configuration, std::filesystem::perms{0600});
+    }
   }
 
   void check(Environment environment) {

@@ -1,5 +1,7 @@
 // The log file: where it is made, what it replaces, what happens when somebody truncates it.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -114,6 +116,68 @@ TEST(LogFile, IsRefusedWhereNothingMayBeWritten) {
                                 "configuration file.\n");
     EXPECT_EQ(result.ending, Ending::exit(1));
   }
+}
+
+TEST(LogFile, IsMadeForItsOwnerAndGroup) {
+  const Workplace place;
+  place.configure({
+      {"OUTP", "FILE"}
+  });
+
+  run(place.command(kOnce));
+
+  const auto mode = std::filesystem::status(place / "monitor.log").permissions();
+  EXPECT_EQ(mode & std::filesystem::perms(07137), std::filesystem::perms::none);
+}
+
+// In a folder that everybody can write, what another user has put there is not written to.
+TEST(LogFile, IsRefusedWhereItMayBePlanted) {
+  constexpr uid_t kSomebody = 12345;
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give files to another user";
+  const Workplace place;
+  const std::filesystem::path shared = place / "shared";
+  std::filesystem::create_directory(shared);
+  std::filesystem::permissions(shared, std::filesystem::perms{01777});
+  std::filesystem::create_directory(place / "private");
+  writeFile(place / "private/victim", "kept");
+  writeFile(shared / "file", "kept");
+  ASSERT_EQ(mkfifo((shared / "pipe").c_str(), 0666), 0);
+  std::filesystem::create_symlink(place / "private/victim", shared / "link");
+  std::filesystem::create_symlink(place / "private", shared / "folder");
+  for (const char* name : {"file", "pipe", "link", "folder"}) {
+    ASSERT_EQ(lchown((shared / name).c_str(), kSomebody, kSomebody), 0);
+  }
+
+  for (const std::string name :
+       {"shared/file", "shared/pipe", "shared/link", "shared/folder/new/run.log"}) {
+    place.configure({
+        {"OUTP", "FILE"},
+        {"NAME", name  }
+    });
+    const Result result = run(place.command(kOnce));
+    EXPECT_EQ(result.error, "Cannot create the log file \"" + name +
+                                "\": permission denied (0x80070005). Check the key NAME in the "
+                                "configuration file.\n");
+    EXPECT_EQ(result.ending, Ending::exit(1));
+  }
+  EXPECT_EQ(readFile(place / "private/victim") + readFile(shared / "file"), "keptkept");
+  EXPECT_FALSE(std::filesystem::exists(place / "private/new"));
+}
+
+TEST(LogFile, MayBeAnOwnLinkInASharedFolder) {
+  const Workplace place;
+  std::filesystem::create_directory(place / "shared");
+  std::filesystem::permissions(place / "shared", std::filesystem::perms{01777});
+  std::filesystem::create_symlink(place / "run.log", place / "shared/link");
+  place.configure({
+      {"OUTP", "FILE"       },
+      {"NAME", "shared/link"}
+  });
+
+  const Result result = run(place.command(kOnce));
+
+  EXPECT_EQ(result.error, "");
+  EXPECT_PRED_FORMAT2(sameText, reportTo("shared/link"), place.maskedFile("run.log"));
 }
 
 // A rotation that copies the log and truncates it must not leave a hole of zero bytes.

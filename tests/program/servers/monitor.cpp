@@ -21,6 +21,7 @@ Monitor::Monitor(const Target& target,
   }
   settings.insert(settings.end(), changes.begin(), changes.end());
   testing_support::writeFile(folder_ / "zelk.cfg", program_tests::configuration(settings));
+  std::filesystem::permissions(folder_ / "zelk.cfg", std::filesystem::perms{0600});
 }
 
 testing_support::Command Monitor::command(std::vector<std::string> arguments) const {
