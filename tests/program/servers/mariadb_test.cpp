@@ -4,6 +4,7 @@
 
 #include "tests/mariadb/server_test.h"
 #include "tests/program/servers/monitor.h"
+#include "tests/support/terminal.h"
 #include "tests/support/text_comparison.h"
 #include "tests/support/wait_until.h"
 
@@ -259,6 +260,26 @@ TEST_F(PlainTest, LocksAtIssueAreListedWithTheirSessions) {
     EXPECT_EQ(report.sessions.size(), 4U);
     EXPECT_EQ(linesOf(handlesOfFiles(report)).size(), 4U);
   }
+}
+
+constexpr const char* kMissing = "libtal: performance_schema is off on this server: ";
+
+TEST_F(PlainTest, UsersAtATerminalLearnWhyLittleIsListed) {
+  const Monitor monitor({location()});
+  testing_support::Terminal terminal(monitor.command(kAsText));
+
+  EXPECT_EQ(terminal.wait(), testing_support::Ending::exit(0));
+
+  EXPECT_NE(terminal.screen().find(kMissing), std::string::npos);
+}
+
+TEST_F(InstrumentedTest, NothingIsSaidOfWhatIsNotMissing) {
+  const Monitor monitor({location()});
+  testing_support::Terminal terminal(monitor.command(kAsText));
+
+  EXPECT_EQ(terminal.wait(), testing_support::Ending::exit(0));
+
+  EXPECT_EQ(terminal.screen().find("libtal:"), std::string::npos);
 }
 
 // Everything that a user of the server can name, named to break a report or to forge a member of
