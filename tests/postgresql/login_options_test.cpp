@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <regex>
+#include <set>
 #include <string>
 
 #include "tal/postgresql/login_options.h"
@@ -89,6 +91,23 @@ TEST(StatementsTest, AccountAsksForEachSetting) {
     rest.remove_prefix(at);
   }
   EXPECT_EQ(accountStatement().columns, kSettings.size() + 1);
+}
+
+// A user's function could otherwise take the place of one of the system's. Keywords are in
+// capitals.
+TEST(StatementsTest, FunctionsAreNamedWithTheirSchema) {
+  const std::set<std::string> syntax = {"coalesce", "extract", "greatest"};
+  const std::regex call("([a-z_.]+)\\(");
+  for (const Statement& statement :
+       {filesStatement(), clientsStatement(), usageStatement(), communicationStatement(),
+        sqlConnectionsStatement(), accountStatement()}) {
+    const std::string& text = statement.text;
+    for (std::sregex_iterator at(text.begin(), text.end(), call), end; at != end; ++at) {
+      const std::string name = (*at)[1];
+      EXPECT_TRUE(name.starts_with("pg_catalog.") || syntax.contains(name))
+          << statement.name << ": " << name;
+    }
+  }
 }
 
 TEST(StatementsTest, EstimatedSizesDifferInTheSizeAlone) {
