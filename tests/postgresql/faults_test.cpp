@@ -6,6 +6,7 @@
 #include <future>
 #include <string>
 
+#include "tal/postgresql/connection.h"
 #include "tal/postgresql/postgresql.h"
 #include "tal/postgresql/statements.h"
 #include "tests/postgresql/fake_server.h"
@@ -136,6 +137,22 @@ TEST_F(FaultsTest, AnswerAboveTheLimitEndsTheSession) {
 
   EXPECT_EQ(statusOf([&] { engine->sqlConnections(); }), Status::kAnswerTooLarge);
   EXPECT_EQ(statusOf([&] { engine->sqlConnections(); }), Status::kConnectionLost);
+}
+
+TEST_F(FaultsTest, AnswerThroughASocketHasTheSameLimit) {
+  const std::string target = "host=" + server_.folder().string() +
+                             " port=" + std::to_string(server_.port()) +
+                             " user=postgres password=secret dbname=app";
+  tal::postgresql::Connection connection{
+      tal::postgresql::ConnectionHandle(PQconnectdb(target.c_str()))};
+  const tal::postgresql::Statement large{
+      "large", "SELECT repeat('x', 1000000) FROM generate_series(1, 200)", 1};
+
+  const Status status =
+      statusOf([&] { connection.run(large, tal::sql::Deadline(std::chrono::seconds(60))); });
+
+  EXPECT_EQ(status, Status::kAnswerTooLarge);
+  EXPECT_FALSE(connection.isOpen());
 }
 
 TEST_F(FaultsTest, StatementThatTheServerGivesUpLeavesTheSession) {

@@ -295,6 +295,20 @@ TEST_F(EncryptedLoginTest, ChecksTheCertificateAsWished) {
   EXPECT_EQ(loginWith("localhost", "verify-full", "/nowhere"), Status::kTlsFailed);
 }
 
+// As servers need it that pass the password on, to a directory for instance.
+TEST_F(EncryptedLoginTest, ClearPasswordGoesToAVerifiedServerWhereAllowed) {
+  const TemporaryFolder home;
+  const Variable folder("HOME", home.path().string());
+  fs::create_directory(home / ".postgresql");
+  fs::copy_file(server_.folder() / "data/server.crt", home / ".postgresql/root.crt");
+  writeFile(home / ".postgresql/zelk.conf", "localhost weak-password\n");
+  const Variable wish("PGSSLMODE", "verify-full");
+  const std::string port = std::to_string(server_.port());
+
+  EXPECT_EQ(login("localhost:" + port + "/app", user("clear")), Status::kSuccess);
+  EXPECT_EQ(login("127.0.0.1:" + port + "/app", user("clear")), Status::kTlsFailed);
+}
+
 TEST_F(LoginTest, EmptyPasswordIsNotTakenFromTheEnvironment) {
   const TemporaryFolder home;
   const Variable folder("HOME", home.path().string());
