@@ -187,6 +187,7 @@ std::vector<Handle> handlesOf(const LockPicture& picture, const TableFiles& file
 std::vector<OpenFile> openFilesOf(const std::vector<DataFile>& files,
                                   const std::vector<Handle>& handles, const ServerFacts& facts) {
   std::vector<OpenFile> result;
+  result.reserve(files.size());
   for (const DataFile& file : files) result.push_back(reportedFile(file, facts));
   std::map<std::string, std::size_t> others;
   for (const Handle& handle : handles) {

@@ -44,7 +44,7 @@ void requireCarried(const Target& target) {
   requireValue(options.get(), "dbname", target.database);
   requireValue(options.get(), "user", target.user);
   requireValue(options.get(), "password", target.password);
-  requireValue(options.get(), "sslmode", "prefer");
+  requireValue(options.get(), "sslmode", "require");
 }
 
 void readPostgresql(const std::string& text, const std::string& user, const std::string& password) {

@@ -18,6 +18,7 @@ Options optionsIn(std::string_view bytes) {
   static const testing_support::TemporaryFolder folder;
   const auto file = folder / ".my.cnf";
   testing_support::writeFile(file, bytes);
+  std::filesystem::permissions(file, std::filesystem::perms(0600));  // others would see a password
   return tal::mariadb::readOptions("client", {file});
 }
 
@@ -26,8 +27,8 @@ void readEncryption(const Options& options) {
     const tal::mariadb::Encryption encryption = tal::mariadb::encryptionOf(options);
     require(encryption.wanted || !encryption.verified, "what is verified is wanted");
     require(encryption.settings.size() <= options.size(), "a setting stands in the file");
-    require(encryption.wanted || encryption.settings.empty() || options.contains("ssl"),
-            "only ssl=0 makes settings of no use");
+    require(encryption.wanted || encryption.settings.empty() || encryption.refused,
+            "only a refusal makes settings of no use");
   } catch (const tal::Failure& failure) {
     require(failure.status() == tal::Status::kTlsFailed, "what is not understood is refused");
   }
