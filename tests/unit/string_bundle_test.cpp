@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <clocale>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -149,6 +150,48 @@ TEST(StringBundle, FollowsTheLocaleOfTheProcess) {
   std::setlocale(LC_MESSAGES, before.c_str());
 
   EXPECT_EQ(text, "of the locale C");
+}
+
+TEST(StringBundle, AsksTheLanguagesOfAListInOrder) {
+  const MessageFolder folder;
+  folder.add("B_de.properties", "k=de\n");
+  folder.add("B_fr.properties", "k=fr\n");
+  folder.add("B.properties", "k=en\n");
+  struct Case {
+    const char* list;
+    const char* text;
+  };
+  constexpr Case kCases[] = {
+      {"fr:de",       "fr"},
+      {"it:de_CH:fr", "de"},
+      {"en:de",       "en"},
+      {"en_US:de",    "en"},
+      {"../x:de",     "de"},
+      {"::de",        "de"},
+      {"it",          "en"},
+  };
+
+  for (const Case& row : kCases) {
+    EXPECT_EQ(StringBundle::getBundle("B", row.list)->getString("k"), row.text) << row.list;
+  }
+}
+
+TEST(StringBundle, FollowsTheVariableLanguageUnlessTheLocaleIsC) {
+  const MessageFolder folder;
+  folder.add("B_de.properties", "k=de\n");
+  folder.add("B.properties", "k=en\n");
+  const std::string before = std::setlocale(LC_MESSAGES, nullptr);
+  setenv("LANGUAGE", "de", 1);
+
+  std::setlocale(LC_MESSAGES, "C");
+  const String plain = StringBundle::getBundle("B", nullptr)->getString("k");
+  const bool isInstalled = std::setlocale(LC_MESSAGES, "C.UTF-8") != nullptr;
+  const String listed = StringBundle::getBundle("B", nullptr)->getString("k");
+  unsetenv("LANGUAGE");
+  std::setlocale(LC_MESSAGES, before.c_str());
+
+  EXPECT_EQ(plain, "en");
+  EXPECT_EQ(listed, isInstalled ? "de" : "en");
 }
 
 TEST(StringBundle, NeedsOnlyOneFile) {

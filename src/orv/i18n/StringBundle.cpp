@@ -1,6 +1,8 @@
 #include "orv/i18n/StringBundle.h"
 
+#include <algorithm>
 #include <clocale>
+#include <cstdlib>
 #include <map>
 #include <string>
 #include <string_view>
@@ -17,19 +19,27 @@ String& folder() {
   return s_folder;
 }
 
-using NameAndLanguage = std::pair<std::string, std::string>;
+using NameAndLanguages = std::pair<std::string, std::string>;
 
 // What this thread has read: each thread keeps its own, so that none needs a lock.
-std::map<NameAndLanguage, Reference<StringBundle>>& readBundles() {
-  thread_local std::map<NameAndLanguage, Reference<StringBundle>> s_bundles;
+std::map<NameAndLanguages, Reference<StringBundle>>& readBundles() {
+  thread_local std::map<NameAndLanguages, Reference<StringBundle>> s_bundles;
   return s_bundles;
 }
 
+// What the user asks for: the languages of LANGUAGE, separated by colons, or that of the locale.
+// The locale C means the texts that the program was written with.
+std::string userLanguages() {
+  const std::string locale = std::setlocale(LC_MESSAGES, nullptr);
+  const char* const list = std::getenv("LANGUAGE");
+  const bool isPlain = locale == "C" || locale == "POSIX";
+  return isPlain || list == nullptr || *list == '\0' ? locale : list;
+}
+
 // Only what can be part of a language's name: a locale comes from outside and becomes a file name.
-std::string languageOf(const char* locale) {
-  const std::string_view name(locale != nullptr ? locale : std::setlocale(LC_MESSAGES, nullptr));
+std::string languageOf(std::string_view locale) {
   std::string language;
-  for (const char character : name.substr(0, name.find_first_of(".@"))) {
+  for (const char character : locale.substr(0, locale.find_first_of(".@"))) {
     const bool isLetter =
         (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z');
     if (!isLetter && character != '_') return {};
@@ -38,13 +48,24 @@ std::string languageOf(const char* locale) {
   return language;
 }
 
-// "_de_AT", "_de" and "" for de_AT.
-std::vector<std::string> suffixesFor(std::string language) {
-  std::vector<std::string> suffixes;
+// "_de_AT", "_de" for de_AT.
+void addSuffixes(std::string language, std::vector<std::string>& suffixes) {
   while (!language.empty()) {
     suffixes.push_back("_" + language);
     const std::size_t cut = language.rfind('_');
     language.resize(cut == std::string::npos ? 0 : cut);
+  }
+}
+
+// "_de_AT", "_de" and "" for de_AT; the file without a language is the English one.
+std::vector<std::string> suffixesFor(std::string_view languages) {
+  std::vector<std::string> suffixes;
+  while (!languages.empty()) {
+    const std::size_t end = std::min(languages.find(':'), languages.size());
+    const std::string language = languageOf(languages.substr(0, end));
+    if (language == "en" || language.starts_with("en_")) break;
+    addSuffixes(language, suffixes);
+    languages.remove_prefix(std::min(end + 1, languages.size()));
   }
   suffixes.emplace_back();
   return suffixes;
@@ -53,15 +74,15 @@ std::vector<std::string> suffixesFor(std::string language) {
 }  // namespace
 
 Reference<StringBundle> StringBundle::getBundle(const String& name, const char* locale) {
-  const std::string language = languageOf(locale);
-  Reference<StringBundle>& kept = readBundles()[{name.toBytes(), language}];
-  if (!kept) kept = read(name, language);
+  const std::string languages = locale != nullptr ? locale : userLanguages();
+  Reference<StringBundle>& kept = readBundles()[{name.toBytes(), languages}];
+  if (!kept) kept = read(name, languages);
   return kept;
 }
 
-Reference<StringBundle> StringBundle::read(const String& name, const std::string& language) {
+Reference<StringBundle> StringBundle::read(const String& name, const std::string& languages) {
   auto bundle = makeReference<StringBundle>();
-  for (const std::string& suffix : suffixesFor(language)) {
+  for (const std::string& suffix : suffixesFor(languages)) {
     try {
       const String path = folder() + "/" + name + suffix.c_str() + ".properties";
       bundle->files_.push_back(readProperties(path));

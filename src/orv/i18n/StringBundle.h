@@ -14,9 +14,9 @@ namespace orv::i18n {
 // of the message folder, asked in this order, key by key.
 class StringBundle : public Object {
  public:
-  // The bundle for a language such as "de_AT"; null stands for the language of the process's locale
-  // for messages. Each thread reads a bundle once. Throws ResultException if none of the files can
-  // be read.
+  // The bundle for a language such as "de_AT", or for several, "fr:de", the best first. Null stands
+  // for the process's locale for messages, or, unless that is C, the variable LANGUAGE. Each thread
+  // reads a bundle once. Throws ResultException if none of the files can be read.
   static Reference<StringBundle> getBundle(const String& name, const char* locale);
 
   // Throws ResultException if no file has the key.
@@ -27,7 +27,7 @@ class StringBundle : public Object {
   static void setFolder(String folder);
 
  private:
-  static Reference<StringBundle> read(const String& name, const std::string& language);
+  static Reference<StringBundle> read(const String& name, const std::string& languages);
 
   std::vector<Reference<collections::StringHashMap>> files_;
 };

@@ -28,8 +28,8 @@ const std::string kManualPrompt = "\nType r to refresh, q to stop.";
 const std::string kTimedPrompt = "\nType q to stop.  \n";
 const std::string kExit = "zelk is stopping.\n";
 const std::string kInputError =
-    "Standard input ended or is not text: zelk is stopping. Set a refresh limit to run without a "
-    "keyboard.\n";
+    "Standard input ended or is not text: zelk is stopping. To run without a keyboard, use -runonce, "
+    "or set a refresh rate and a refresh limit.\n";
 
 std::string report(const Shown& shown) { return kBanner + runHeader(shown) + kIdleResources; }
 

@@ -13,8 +13,8 @@ namespace {
 using testing_support::Ending;
 
 constexpr const char* kFatal =
-    "Fatal error 0x8007000E: the program cannot go on. Run it again; if the error stays, report "
-    "this number.";
+    "Fatal error 0x8007000E: the program cannot go on. Behind 0x8007 stands the error number of the "
+    "operating system in hexadecimal; the manual page zelk(1) explains the common ones.";
 constexpr const char* kOutsideReport = "zelk: out of memory";
 constexpr const char* kInEngine =
     "7112: The engine library ran out of memory. Free memory or raise the limit, then run zelk "
