@@ -1,4 +1,4 @@
-// What a failure tells the user.
+// What the user reads of a failure.
 #pragma once
 
 #include "orv/Exception.h"

@@ -34,8 +34,8 @@ class Logger : public orv::Object {
   Logger(const char* bundle, const char* prefix);
   ~Logger() override;
 
-  // Closes every handler. To be called when all is written: only it can tell of a file system that
-  // reports a failed write when the file is closed. Throws orv::io::IoException.
+  // Closes every handler. Call it when all is written: some file systems report a failed write only
+  // when the file is closed. Throws orv::io::IoException.
   void close();
 
   void addStdOutHandler();
@@ -45,7 +45,7 @@ class Logger : public orv::Object {
   void addFileHandler(const orv::String& path);
 
   void setLevel(Level level) noexcept { level_ = level; }
-  // By the level's name, in any case; a name that is none turns all output off (deliberate).
+  // By the level's name, in any case; an unknown name turns all output off (deliberate).
   void setLevel(const orv::String& name);
 
   void log(Level level, const orv::String& message);

@@ -1,4 +1,4 @@
-// What the whole process shares. Declared here, on the lowest floor that uses any of it.
+// What the whole process shares. Declared here, in the lowest layer that uses any of it.
 #pragma once
 
 #include "messages/MessageHelper.h"

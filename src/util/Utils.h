@@ -24,7 +24,7 @@ class Utils {
 
   // True if the system reports the path as existing; any failure counts as not existing.
   static bool fileExist(const orv::String& path);
-  // True if the path can be opened as a folder; any failure counts as none.
+  // True if the path can be opened as a folder; any failure counts as no folder.
   static bool dirExist(const orv::String& path);
   // Makes the missing folders above the file `path`, with all permissions that the process's mask
   // leaves. Returns 0, or the result code of the first folder that cannot be made.

@@ -14,7 +14,7 @@ class OutputStream : public Object {
   // Hands all bytes to the system, in one call where the system takes them so. Throws IoException.
   virtual void write(std::string_view bytes) = 0;
   // Gives the stream back to the system; a second call does nothing. Throws IoException if the
-  // system tells only now that it could not keep all bytes.
+  // system reports only now that it could not keep all bytes.
   virtual void close() = 0;
 };
 

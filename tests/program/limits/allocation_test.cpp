@@ -37,6 +37,7 @@ class Allocation : public ::testing::TestWithParam<Form> {
   // Before the command line is read, the form is not known.
   [[nodiscard]] static bool isSaidOutsideReport(const Report& report) {
     return report.error == std::string(kOutsideReport) + "\n" ||
+           report.error == std::string(kFatal) + "\n" ||
            report.error == errorLine(GetParam(), kOutsideReport);
   }
 
