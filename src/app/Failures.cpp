@@ -61,10 +61,11 @@ int sayLastWordsOn(const orv::Exception& failure) {
 }
 
 int sayLastWords() {
+  const std::exception_ptr exception = std::current_exception();
   // Without an exception: there was no memory to make one.
-  if (!std::current_exception()) return sayLastWords(kExitOutOfMemory, fatalText(kExitOutOfMemory));
+  if (!exception) return sayLastWords(kExitOutOfMemory, fatalText(kExitOutOfMemory));
   try {
-    throw;
+    std::rethrow_exception(exception);
   } catch (const std::bad_alloc&) {
     return sayLastWords(kExitOutOfMemory, fatalText(kExitOutOfMemory));
   } catch (const orv::Exception& failure) {
