@@ -96,12 +96,15 @@ std::string padded(const Conversion& conversion, std::string_view text) {
 }
 
 std::string formatted(const Conversion& conversion, int number) {
-  std::string format = "%" + std::string(conversion.flags);
+  std::string format = "%";
+  format += conversion.flags;
   if (conversion.width > 0) format += std::to_string(conversion.width);
   if (conversion.precision) {
-    format += "." + std::to_string(std::min(*conversion.precision, kMostPrecise));
+    format += '.';
+    format += std::to_string(std::min(*conversion.precision, kMostPrecise));
   }
-  format += std::string(conversion.length) + conversion.letter;
+  format += conversion.length;
+  format += conversion.letter;
   char result[kWidest + 1];
   const int length = std::snprintf(result, sizeof result, format.c_str(), number);
   return {result, static_cast<std::size_t>(std::max(length, 0))};

@@ -76,7 +76,11 @@ std::size_t handlesOfEachClient(std::size_t handles, std::size_t clients) noexce
   return std::max<std::size_t>(kMostHandles / std::max<std::size_t>(clients, 1), 1);
 }
 
-std::string moreText(std::size_t count) { return "(" + std::to_string(count) + " more)"; }
+std::string moreText(std::size_t count) {
+  std::string text = "(";
+  text += std::to_string(count);
+  return text += " more)";
+}
 
 void limitHandles(std::vector<OpenFile>& files) {
   if (handlesIn(files) <= kMostHandles) return;
