@@ -54,15 +54,16 @@ count = 2
 
 std::string configurationOf(const Form& form) {
   return program_tests::configuration({
-      {"SERV", "sim:engine.toml"},
-      {"OUTP", form.output      },
-      {"NAME", "zelk.log"       },
-      {"FILE", "YES"            },
-      {"SESS", "YES"            },
-      {"CONN", "YES"            },
-      {"RESO", "YES"            },
-      {"COMM", "YES"            },
-      {"HAND", "YES"            }
+      {"SERV", "sim:engine.toml"     },
+      {"OUTP", form.output           },
+      {"REFR", form.timed ? "5" : "0"},
+      {"NAME", "zelk.log"            },
+      {"FILE", "YES"                 },
+      {"SESS", "YES"                 },
+      {"CONN", "YES"                 },
+      {"RESO", "YES"                 },
+      {"COMM", "YES"                 },
+      {"HAND", "YES"                 }
   });
 }
 
@@ -71,8 +72,9 @@ Command serverIn(const std::filesystem::path& folder, const Form& form) {
   writeFile(folder / "engine.toml", kScenario);
   writeFile(folder / "zelk.cfg", configurationOf(form));
   Command command{
-      .program = program_tests::builtProgram(), .arguments = {"-f", "zelk.cfg", "-runonce"}
+      .program = program_tests::builtProgram(), .arguments = {"-f", "zelk.cfg"}
   };
+  if (!form.timed) command.arguments.emplace_back("-runonce");
   if (form.json) command.arguments.emplace_back("-JSON");
   command.folder = folder;
   command.environment = program_tests::plainEnvironment();

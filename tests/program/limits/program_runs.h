@@ -18,6 +18,8 @@ struct Form {
   const char* name;
   bool json;
   const char* output;
+  // Refreshes at a fixed rate, without a limit, instead of one report.
+  bool timed = false;
 };
 
 inline constexpr Form kTextToBoth = {"TextToBoth", false, "BOTH"};
@@ -46,7 +48,7 @@ class ProgramRuns {
  public:
   explicit ProgramRuns(const Form& form);
 
-  // One report. The faults are those of shim/server.cpp.
+  // One run. The faults are those of shim/server.cpp.
   Report run(const std::string& fault, std::uint64_t number);
 
  private:

@@ -1,4 +1,5 @@
-// What write(2) may do to a report: take less than it is given, be interrupted, find no space.
+// What write(2) and close(2) may do to a report: take less than they are given, be interrupted,
+// find no space.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "tests/program/limits/program_runs.h"
+#include "tests/program/program_under_test.h"
 #include "tests/support/text_comparison.h"
 
 namespace limits {
@@ -87,6 +89,46 @@ TEST_P(WritesToFile, TellWhenThereIsNoSpace) {
   }
 }
 
+class Closing : public Writes {};
+
+// As on a full network disk. The document is whole, so that nothing more may be printed.
+TEST_P(Closing, TellsThatTheLogIsLost) {
+  const Report report = program_.run("log-close", 0);
+
+  expectFailureOf("zelk.log", report);
+  EXPECT_PRED_FORMAT2(sameText, complete_.log, report.log);
+  EXPECT_PRED_FORMAT2(sameText, complete_.output, report.output);
+}
+
+constexpr Form kTimedToFile = {"TimedToFile", false, "FILE", true};
+
+// Standard input is at its end. The keyboard thread has the closing line, which is all that stands
+// behind the banner.
+class ClosingLine : public Writes {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(complete_.ending, Ending::exit(0)) << complete_.error;
+    ASSERT_TRUE(complete_.output.starts_with(banner_ + "Standard input ended")) << complete_.output;
+  }
+
+  const std::string banner_ = program_tests::kBanner;
+};
+
+TEST_P(ClosingLine, IsTheSameWhenItIsWrittenAgain) {
+  const Report report = program_.run("console-write", 4);  // the banner has three lines
+
+  EXPECT_EQ(report.ending, Ending::exit(0));
+  EXPECT_PRED_FORMAT2(sameText, complete_.output, report.output);
+  EXPECT_EQ(report.error, "");
+}
+
+TEST_P(ClosingLine, IsToldToBeLost) {
+  const Report report = program_.run("console-room", banner_.size());
+
+  expectFailureOf("standard output", report);
+  EXPECT_EQ(report.output, banner_);
+}
+
 class WritesToBoth : public Writes {};
 
 // One disk for both: each line goes to standard output, then to the log.
@@ -116,6 +158,10 @@ INSTANTIATE_TEST_SUITE_P(All, Writes,
 INSTANTIATE_TEST_SUITE_P(All, WritesToConsole, ::testing::Values(kTextToConsole, kJsonToConsole),
                          nameOf);
 INSTANTIATE_TEST_SUITE_P(All, WritesToFile, ::testing::Values(kTextToFile, kJsonToFile), nameOf);
+INSTANTIATE_TEST_SUITE_P(All, Closing,
+                         ::testing::Values(kTextToFile, kTextToBoth, kJsonToFile, kJsonToBoth),
+                         nameOf);
+INSTANTIATE_TEST_SUITE_P(All, ClosingLine, ::testing::Values(kTimedToFile), nameOf);
 INSTANTIATE_TEST_SUITE_P(All, WritesToBoth, ::testing::Values(kTextToBoth, kJsonToBoth), nameOf);
 
 }  // namespace

@@ -36,13 +36,15 @@ struct Fault {
 };
 
 constexpr Fault kFaults[] = {
-    {"none",         [](std::uint64_t) {}                                                     },
-    {"allocation",   [](std::uint64_t number) { limits::failAllocation(number, false); }      },
-    {"allocations",  [](std::uint64_t number) { limits::failAllocation(number, true); }       },
-    {"disturbance",  [](std::uint64_t number) { limits::disturbWrites(number); }              },
-    {"console-room", [](std::uint64_t number) { limits::limitRoom(Target::kConsole, number); }},
-    {"log-room",     [](std::uint64_t number) { limits::limitRoom(Target::kLog, number); }    },
-    {"both-room",    [](std::uint64_t number) { limits::limitRoom(Target::kBoth, number); }   },
+    {"none",          [](std::uint64_t) {}                                                     },
+    {"allocation",    [](std::uint64_t number) { limits::failAllocation(number, false); }      },
+    {"allocations",   [](std::uint64_t number) { limits::failAllocation(number, true); }       },
+    {"disturbance",   [](std::uint64_t number) { limits::disturbWrites(number); }              },
+    {"console-room",  [](std::uint64_t number) { limits::limitRoom(Target::kConsole, number); }},
+    {"log-room",      [](std::uint64_t number) { limits::limitRoom(Target::kLog, number); }    },
+    {"console-write", [](std::uint64_t number) { limits::failConsoleWrite(number); }           },
+    {"log-close",     [](std::uint64_t) { limits::failClosingOfLog(); }                        },
+    {"both-room",     [](std::uint64_t number) { limits::limitRoom(Target::kBoth, number); }   },
 };
 
 void arrange(const char* name, std::uint64_t number) {
@@ -94,6 +96,12 @@ extern "C" time_t time(time_t* seconds) {
   constexpr time_t kNow = 1'700'000'000;
   if (seconds != nullptr) *seconds = kNow;
   return kNow;
+}
+
+// A hundred times quicker than asked for, so that a test need not wait for a refresh.
+extern "C" int usleep(useconds_t microseconds) {
+  const timespec slice{0, static_cast<long>(microseconds) * 10};
+  return nanosleep(&slice, nullptr);
 }
 
 // What the C library's start code calls, with the program's main.

@@ -1,5 +1,6 @@
 #include "tests/program/limits/shim/writes.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -14,12 +15,17 @@ constinit Target s_limited = Target::kNone;
 constinit std::size_t s_room = 0;
 constinit bool s_isDisturbed = false;
 constinit std::uint64_t s_random = 0;
+constinit std::uint64_t s_consoleWrites = 0;
+constinit std::uint64_t s_failingConsoleWrite = 0;
+constinit bool s_isLogLostAtClosing = false;
 
 Target targetOf(int descriptor) {
   if (descriptor == STDERR_FILENO) return Target::kNone;
   if (descriptor == STDOUT_FILENO) return Target::kConsole;
   struct stat file {};
-  return fstat(descriptor, &file) == 0 && S_ISREG(file.st_mode) ? Target::kLog : Target::kNone;
+  const bool isFile = fstat(descriptor, &file) == 0 && S_ISREG(file.st_mode);
+  const bool isWritten = isFile && (fcntl(descriptor, F_GETFL) & O_ACCMODE) == O_WRONLY;
+  return isWritten ? Target::kLog : Target::kNone;
 }
 
 ssize_t writeNow(int descriptor, const void* bytes, std::size_t size) {
@@ -71,6 +77,10 @@ void limitRoom(Target target, std::size_t bytes) noexcept {
   s_room = bytes;
 }
 
+void failConsoleWrite(std::uint64_t number) noexcept { s_failingConsoleWrite = number; }
+
+void failClosingOfLog() noexcept { s_isLogLostAtClosing = true; }
+
 }  // namespace limits
 
 extern "C" ssize_t write(int descriptor, const void* bytes, std::size_t size) {
@@ -78,9 +88,19 @@ extern "C" ssize_t write(int descriptor, const void* bytes, std::size_t size) {
   using limits::Target;
   const Target target = limits::targetOf(descriptor);
   if (target == Target::kNone) return limits::writeNow(descriptor, bytes, size);
+  if (target == Target::kConsole && ++limits::s_consoleWrites == limits::s_failingConsoleWrite) {
+    return limits::fail(ENOSPC);
+  }
   if (limits::s_isDisturbed) return limits::writeDisturbed(descriptor, bytes, size);
   if (s_limited == target || s_limited == Target::kBoth) {
     return limits::writeWhatFits(descriptor, bytes, size);
   }
   return limits::writeNow(descriptor, bytes, size);
+}
+
+extern "C" int close(int descriptor) {
+  const bool fails =
+      limits::s_isLogLostAtClosing && limits::targetOf(descriptor) == limits::Target::kLog;
+  const auto result = static_cast<int>(syscall(SYS_close, descriptor));
+  return fails ? static_cast<int>(limits::fail(ENOSPC)) : result;
 }
