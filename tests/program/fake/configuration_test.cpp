@@ -347,6 +347,20 @@ TEST_F(Configuration, RefusesAnEndlessFile) {
   }
 }
 
+// The exit code must not depend on what a file of messages says.
+TEST_F(Configuration, RefusesCredentialsThatAreTooLongWithoutAText) {
+  writeFile(place_ / "tree/share/zelk/messages/ZELK.properties",
+            "ZELK_ERR_CREDENTIALS_TOO_LONG=\nZELK_FATAL_ERROR=fatal 0x%08X\n");
+  place_.configure({
+      {"PASS", std::string(256, 'x')}
+  });
+
+  const Result result = run(place_.command(kOnce));
+
+  EXPECT_EQ(result.error, "fatal 0x80070016\n");
+  EXPECT_EQ(result.ending, Ending::exit(0x16));
+}
+
 TEST_F(Configuration, TakesCredentialsOf255Bytes) {
   const std::string longest(255, 'x');
   place_.configure({

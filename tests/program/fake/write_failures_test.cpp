@@ -62,6 +62,27 @@ TEST(WriteFailure, OfStandardOutputIsToldInJson) {
   EXPECT_EQ(result.ending, Ending::exit(1));
 }
 
+// The reason is the system's own text, in UTF-8 as all that the program says.
+TEST(WriteFailure, OfStandardOutputIsToldInTheUsersLanguage) {
+  if (!std::filesystem::exists("/usr/share/locale/de/LC_MESSAGES/libc.mo")) {
+    GTEST_SKIP() << "the system has no German texts: install libc-l10n";
+  }
+  const Workplace place;
+  Command command = place.command(kOnce);
+  command.environment.merge(environmentWithMessages("C"));
+  command.environment["LC_ALL"] = "de_DE.UTF-8";
+  command.output = "/dev/full";
+
+  const Result result = run(command);
+
+  EXPECT_PRED_FORMAT2(sameText,
+                      "Die Ausgabe ist unvollständig, weil ein Schreibvorgang scheiterte. Schaffen "
+                      "Sie Platz oder wählen Sie einen anderen Ort und starten Sie erneut: "
+                      "Standardausgabe: Auf dem Gerät ist kein Speicherplatz mehr verfügbar\n",
+                      result.error);
+  EXPECT_EQ(result.ending, Ending::exit(1));
+}
+
 TEST(WriteFailure, OfTheUsageInJsonIsTold) {
   const Workplace place;
   Command command = place.command({"-JSON"});
