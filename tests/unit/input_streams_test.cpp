@@ -37,6 +37,21 @@ TEST(FileInputStream, GivesEveryByteAndThenTheEnd) {
   EXPECT_EQ(stream.read(), -1);
 }
 
+TEST(FileInputStream, GivesAsManyBytesAsItMay) {
+  const TemporaryFolder folder;
+  testing_support::writeFile(folder / "file", "12345");
+  const String path((folder / "file").string());
+  char bytes[10];
+
+  EXPECT_EQ(FileInputStream(path, 5).read(bytes, sizeof bytes), 5U);
+  EXPECT_THROW(static_cast<void>(FileInputStream(path, 4).read(bytes, sizeof bytes)),
+               orv::ResultException);
+
+  FileInputStream inPieces(path, 4);
+  EXPECT_EQ(inPieces.read(bytes, 4), 4U);
+  EXPECT_THROW(static_cast<void>(inPieces.read(bytes, 4)), orv::ResultException);
+}
+
 // Why a path cannot be opened; 0 if it can.
 orv::Result refusalOf(const std::string& path) {
   try {
