@@ -18,8 +18,8 @@ class TimedRun {
   // before that or the next is long in coming.
   bool waitForRefreshes(int number);
 
-  // Expects the run to end with this failure, and nothing of the refresh that met it. Returns when
-  // it ended.
+  // Expects the run to end with this failure, and the log with a complete section. Returns when it
+  // ended.
   std::chrono::steady_clock::time_point expectEnd(int status);
 
   // Expects the run to end by itself when it is asked to.
