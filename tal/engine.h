@@ -11,7 +11,7 @@
 
 namespace tal {
 
-// Codes of the interface. An engine uses only these; what it does not know is the code that the
+// Codes of the interface. An engine uses only these; for an unknown value it uses the code that the
 // reports show as "n/a".
 namespace flag {
 inline constexpr std::uint8_t kUnknown = 0;
@@ -77,7 +77,7 @@ inline constexpr std::uint32_t kNetbiosProtocol = 12;
 // A connection number that the reports show as "n/a" (they do so above 32000).
 inline constexpr std::uint32_t kUnknownConnectionNumber = 4294967295U;
 
-// Of the engine information the program reads the engine type alone.
+// The engine information, of which the program reads only the engine type.
 struct Information {
   std::uint8_t flag = 0;
   std::int32_t first = 0;
@@ -92,7 +92,7 @@ struct Version {
   std::int32_t build = 0;
 };
 
-// A counted resource. A maximum of 0 means that there is none.
+// A counted resource. A maximum of 0 means "no limit".
 struct Gauge {
   std::uint32_t current = 0;
   std::uint32_t peak = 0;
@@ -106,7 +106,7 @@ struct Usage {
   Gauge transactions;
   Gauge clients;
   Gauge workerThreads;
-  Gauge locks;  // its maximum has no place in the interface
+  Gauge locks;  // the interface has no field for its maximum
   Gauge dataMb;
   Gauge sessions;
   std::uint32_t upTimeSeconds = 0;
@@ -234,8 +234,8 @@ class Engine {
   virtual std::vector<Client> clients() = 0;      // with their handles
   virtual std::vector<SqlConnection> sqlConnections() = 0;
 
-  // What the engine wants returned by an interface call instead of having it served. Only a
-  // simulation has a reason to answer anything but success.
+  // The status that a call of the interface returns instead of being served. Only a simulation
+  // returns anything but success.
   virtual Status answerInstead(Call /*call*/) { return Status::kSuccess; }
 };
 

@@ -18,8 +18,8 @@ namespace {
 constexpr std::size_t kReasonLimit = 1000;
 constexpr char kHere = 0;
 
-// The status says only that the module cannot be used; the name of a library that is missing has
-// no other way out.
+// The status says only that the module cannot be used. Only this line names a library that is
+// missing.
 [[noreturn]] void failMissing(std::string reason) {
   fitText(reason, kReasonLimit);
   std::fprintf(stderr, "libtal: %s\n", reason.c_str());
@@ -31,7 +31,7 @@ constexpr char kHere = 0;
 std::string ownFolder() {
   Dl_info own{};
   void* object = nullptr;
-  // The loader puts the working folder before a relative name.
+  // The loader would take a relative name as relative to the working folder.
   std::array<char, 2UL * PATH_MAX> folder{};
   if (dladdr1(&kHere, &own, &object, RTLD_DL_LINKMAP) == 0 ||
       dlinfo(object, RTLD_DI_ORIGIN, folder.data()) != 0) {

@@ -1,5 +1,5 @@
 // The engines that need a client library are modules: shared objects in the folder of this library,
-// loaded when their scheme is first asked for, so that nobody else pays for what they link.
+// loaded when their scheme is first used, so that nobody else needs the libraries that they link.
 #pragma once
 
 #include <memory>
@@ -11,7 +11,7 @@
 
 namespace tal {
 
-// Opens an engine from what follows the scheme in the server name. Throws Failure.
+// Opens an engine; the argument is the rest of the server name after the scheme. Throws Failure.
 using OpenEngine = std::unique_ptr<Engine>(std::string_view location,
                                            const Credentials& credentials);
 

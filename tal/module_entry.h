@@ -1,4 +1,4 @@
-// The entry of a module: included by the modules and by what loads them.
+// The entry of a module. The modules include this, and the code that loads them.
 #pragma once
 
 #include <string_view>
@@ -10,12 +10,12 @@ namespace tal {
 // ABI tag: C++ objects pass between library and module, so both must be built with the same one.
 inline constexpr const char* kAbiTag = TAL_ABI_TAG;
 
-// The one function that a module exports. It returns what opens the module's engine, or nullptr to
-// a library that has another ABI tag.
+// The one function that a module exports. It returns the function that opens the module's engine,
+// or nullptr if the library has another ABI tag.
 using ModuleEntry = OpenEngine*(const char* abiTag) noexcept;
 inline constexpr const char* kModuleEntryName = "talModule";
 
-// What a module's entry returns; `open` is the engine's function.
+// The result of a module's entry; `open` is the function of the engine.
 inline OpenEngine* unlessForeign(std::string_view abiTag, OpenEngine& open) noexcept {
   return abiTag == kAbiTag ? &open : nullptr;
 }

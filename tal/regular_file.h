@@ -9,14 +9,15 @@
 
 namespace tal {
 
-// Why a file cannot be used; what() goes behind its name: "cannot be read: ...".
+// The reason why a file cannot be used. what() continues the name of the file: "cannot be read:
+// ...".
 class FileError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// A regular file open for reading. Nothing ever waits for anything but the disk: a pipe or a device
-// is refused. Throws FileError.
+// A regular file open for reading. It waits only for the disk: a pipe or a device is refused.
+// Throws FileError.
 class RegularFile {
  public:
   explicit RegularFile(const std::string& path);
@@ -24,7 +25,7 @@ class RegularFile {
   RegularFile& operator=(const RegularFile&) = delete;
   ~RegularFile();
 
-  // Fills the bytes from that place on, as far as the file goes; returns how many those are.
+  // Reads bytes from that place on, up to the end of the file; returns how many were read.
   [[nodiscard]] std::size_t readAt(std::uint64_t place, std::span<char> bytes) const;
 
  private:

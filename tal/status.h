@@ -1,5 +1,5 @@
 // The statuses of the engine interface that this library returns. Each has a text in the message
-// bundle TALMSG that tells an administrator what to do.
+// bundle TALMSG that says what to do.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ enum class Status : std::int16_t {
   kPrivilegeMissing = 7105,     // logged in, but the account may not see what is reported
   kConnectionLost = 7106,       // the server ended the session or went away
   kNoAnswer = 7107,             // no answer within the time limit
-  kUnknownHandle = 7108,        // no open connection has this handle
+  kUnknownHandle = 7108,        // the handle is of no open connection
   kNoSnapshot = 7109,           // the list was not asked for, or was released
   kVersionNotSupported = 7110,  // the server is older than what the library can ask
   kScenarioWrong = 7111,        // a scenario file cannot be read or does not fit its format
@@ -42,11 +42,11 @@ enum class Status : std::int16_t {
   kModuleMissing = 7125,        // the engine's module, or a library that it needs, is not installed
   kModuleForeign = 7126,        // the engine's module is of another build than the library
   kRecordingEnds = 7127,        // a replay has no further moment
-  kNotRecorded = 7128,          // a replay has not what is asked for: it was switched off then
+  kNotRecorded = 7128,          // a replay lacks the section: it was switched off in the recording
   kAnswerTooLarge = 7129,       // the server's answer has more bytes or rows than the library takes
   kOtherProtocol = 7130,        // something answers there, but not as a server of this kind
   kUnsafeLogin = 7131,          // the server asks for the password in a way that gives it away
-  kSettingsRefused = 7132,      // the session is not read-only or not bounded, as it has to be
+  kSettingsRefused = 7132,      // the session is not read-only or has no time limit, as it must
   kRecordingUnreadable = 7133,  // the file of a replay cannot be read
 };
 

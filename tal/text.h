@@ -1,4 +1,4 @@
-// Texts on their way into a field of the interface.
+// Cleaning and cutting texts for a field of the interface.
 #pragma once
 
 #include <cstddef>
@@ -13,17 +13,18 @@ constexpr bool isControl(char byte) noexcept {
   return (byte >= '\0' && byte < ' ') || byte == '\x7f';
 }
 
-// Bytes of the UTF-8 character that the text begins with; 1 where its bytes are not UTF-8. The text
-// must not be empty.
+// The number of bytes of the first UTF-8 character of the text; 1 if its bytes are not UTF-8. The
+// text must not be empty.
 std::size_t characterLength(std::string_view text) noexcept;
 
-// What every text undergoes, so that no name can break a line of a report or drive a terminal:
+// Every text is cleaned as follows, so that no name can break a line of a report or control a
+// terminal:
 // - these characters become "?": control characters (below U+0020, U+007F to U+009F), those that
-//   turn the direction of text (U+202A to U+202E, U+2066 to U+2069), separate lines (U+2028,
+//   change the direction of text (U+202A to U+202E, U+2066 to U+2069), separate lines (U+2028,
 //   U+2029) or have no width (U+200B, U+FEFF);
-// - so do the bytes 0x80 to 0x9F where they are not part of UTF-8: to some terminals they are
-//   control characters; all other bytes that are not UTF-8 stay as they are;
-// - what exceeds the field is cut off before a whole character.
+// - so do the bytes 0x80 to 0x9F if they are not part of UTF-8, because some terminals take them as
+//   control characters; all other bytes that are not UTF-8 stay unchanged;
+// - a text that is too long for the field is cut after a whole character.
 
 // Writes `text` into `field` and closes it with a NUL; returns the length without the NUL. The
 // field must not be empty.

@@ -13,7 +13,7 @@ double secondsSince(Clock::time_point begin) {
   return std::chrono::duration<double>(Clock::now() - begin).count();
 }
 
-// A section and what asks for it.
+// A section and the function that collects it.
 struct Section {
   const char* name;
   bool companions::Sections::*wanted;
@@ -45,7 +45,7 @@ void noteFailure(Collection& collection, const CallFailure& failure) {
       std::string(failure.call()) + ": " + std::to_string(failure.status()) + ": " + failure.text();
 }
 
-// The status of `action`, 0 where it does not fail.
+// The status of `action`, 0 if it does not fail.
 std::int16_t statusOf(Collection& collection, const std::function<void()>& action) {
   try {
     action();
@@ -89,7 +89,7 @@ Collection Collector::collectOnce() {
     }
     collection.sections.push_back({section.name, status, secondsSince(begin)});
   }
-  // A connection that is lost fails to the end.
+  // A lost connection fails every further call.
   if (collection.sections.empty() || collection.sections.back().status != 0) connection_.reset();
   return collection;
 }

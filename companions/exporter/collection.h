@@ -1,4 +1,4 @@
-// One collection of what an engine serves.
+// One collection of the data that an engine serves.
 #pragma once
 
 #include <chrono>
@@ -18,27 +18,27 @@ using Clock = std::chrono::steady_clock;
 
 struct SectionResult {
   const char* name;
-  std::int16_t status = 0;  // 0 where the section was collected
+  std::int16_t status = 0;  // 0 if the section was collected
   double seconds = 0;
 };
 
 struct Collection {
-  tal::recording::Moment moment;  // without its heading
+  tal::recording::Moment moment;  // without the fields of its heading
   std::vector<SectionResult> sections;
   double seconds = 0;
-  std::string failure;  // of the first call that failed, for people; empty where none did
+  std::string failure;  // for people, of the first call that failed; empty if no call failed
 
   // At least one section was collected.
   [[nodiscard]] bool isUp() const noexcept;
 };
 
-// Collects from one engine over a connection that is kept from one collection to the next, and made
-// again when it is lost. Used by one thread at a time.
+// Collects from one engine. Keeps its connection between collections, and connects again after a
+// loss. Used by one thread at a time.
 class Collector {
  public:
   explicit Collector(companions::Settings settings) : settings_(std::move(settings)) {}
 
-  // Never throws for what the engine does: a failure is part of the result.
+  // Never throws for a failure of the engine: the failure is part of the result.
   [[nodiscard]] Collection collect();
 
   void disconnect() noexcept { connection_.reset(); }

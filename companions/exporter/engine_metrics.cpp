@@ -13,14 +13,14 @@ namespace {
 
 namespace recording = tal::recording;
 
-constexpr std::uint32_t kHighestTotal = 4294967295U;  // the interface counts no further
+constexpr std::uint32_t kHighestTotal = 4294967295U;  // the highest number of the interface
 constexpr double kBytesOfMb = 1024 * 1024;
 constexpr double kBytesOfKb = 1024;
 constexpr double kMillisecondsOfSecond = 1000;
 constexpr const char* kUnknownWord = "unknown";
 
-// Values by a word, in the order of the words. Every word has one, 0 where nothing was added, so
-// that no series comes and goes. What has no word is added to "unknown".
+// Values by a word, in the order of the words. Every word has a value, 0 if nothing was added, so
+// that no series comes and goes. A code without a word is added to "unknown".
 class ByWord {
  public:
   explicit ByWord(recording::Words words) : words_(words) {
@@ -131,7 +131,7 @@ void addHandles(Metrics& metrics, const std::vector<tal::OpenFile>& files) {
   transactions.addTo(metrics, Metric::kHandlesByTransaction, "transaction");
 }
 
-// Names that differ only behind what a label holds are one.
+// Names that differ only after the length of a label count as one.
 struct FileUse {
   std::size_t waiting = 0;
   std::size_t handles = 0;

@@ -1,4 +1,4 @@
-// From what was collected of an engine to metrics.
+// Turns a collection into metrics.
 #pragma once
 
 #include <cstddef>
@@ -8,11 +8,11 @@
 
 namespace exporter {
 
-// Adds the scrape and every section that was collected; of the files, the `fileCount` that most
-// handles wait for by name.
+// Adds the scrape and every section that was collected. Adds by name the `fileCount` files that
+// most handles wait for.
 void addCollection(Metrics& metrics, const Collection& collection, std::size_t fileCount);
 
-// Adds a scrape that came to its deadline.
+// Adds a scrape that reached its deadline.
 void addMissed(Metrics& metrics, double seconds);
 
 }  // namespace exporter

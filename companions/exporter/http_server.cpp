@@ -81,7 +81,7 @@ bool isAdmitted(MHD_Connection* connection, Gate& gate) {
   return user && password && gate.admits(user.get(), password.get());
 }
 
-// Whether the client's certificate is what the configuration asks for.
+// Whether the certificate of the client is as the configuration demands.
 bool isCertified(MHD_Connection* connection, const WebConfig& config) {
   if (!config.tls || config.tls->clientCertificate == ClientCertificate::kNone) return true;
   const MHD_ConnectionInfo* const info =
@@ -100,7 +100,7 @@ Reply refusal(unsigned status, const char* text) {
 }
 
 MHD_Result send(MHD_Connection* connection, const Reply& reply) {
-  // libmicrohttpd copies the bytes, and takes what it only reads as not const.
+  // libmicrohttpd copies the bytes; its parameter lacks a const.
   const std::unique_ptr<MHD_Response, decltype(&MHD_destroy_response)> response(
       MHD_create_response_from_buffer(reply.body.size(), const_cast<char*>(reply.body.data()),
                                       MHD_RESPMEM_MUST_COPY),
@@ -189,7 +189,7 @@ struct HttpServer::Callback {
       reply.headers.emplace_back("Allow", "GET");
       return send(connection, reply);
     }
-    if (*uploadSize > 0) return MHD_NO;  // a body, for which GET has no use
+    if (*uploadSize > 0) return MHD_NO;  // GET has no body
     if (*state == nullptr) {
       *state = self;
       return MHD_YES;

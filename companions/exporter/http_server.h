@@ -13,10 +13,10 @@ struct MHD_Daemon;
 
 namespace exporter {
 
-// A GET request. Header values are empty where a header is absent; all of it is from outside.
+// A GET request. The value of an absent header is empty. Everything in it comes from outside.
 struct Request {
   std::string path;
-  std::string target;  // of the query
+  std::string target;  // the parameter of the query
   std::string host;
   std::string accept;
   std::string acceptEncoding;
@@ -37,17 +37,17 @@ struct Address {
   [[nodiscard]] std::string text() const;
 };
 
-// "host:port", "[::1]:port" or ":port". Throws std::runtime_error, which says what is wrong.
+// "host:port", "[::1]:port" or ":port". Throws std::runtime_error that says what is wrong.
 [[nodiscard]] Address addressIn(const std::string& text);
 
 // Listens while it exists. Each connection has a thread, which calls `answer` and may wait in it.
-// Connections, requests and their bytes are bounded; everything but GET is refused.
+// The number of connections, of requests and of their bytes is limited. Only GET is accepted.
 class HttpServer {
  public:
   using Answer = std::function<Reply(const Request& request)>;
 
-  // Throws std::runtime_error where it cannot listen, and where the address can be reached from
-  // other machines although `protection` asks nobody for anything, unless `insecure`.
+  // Throws std::runtime_error if it cannot listen. Also throws it, unless `insecure`, if other
+  // machines can reach the address and `protection` has neither TLS nor users.
   HttpServer(const Address& address, WebConfig protection, bool insecure, Answer answer);
   HttpServer(const HttpServer&) = delete;
   HttpServer& operator=(const HttpServer&) = delete;

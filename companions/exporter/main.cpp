@@ -48,8 +48,8 @@ void stop(const Targets& targets) {
   }
 }
 
-// The signals that end the program. No thread but the main one takes them: they are blocked before
-// any other is started.
+// The signals that end the program. Only the main thread takes them: they are blocked before any
+// other thread starts.
 class StopSignals {
  public:
   StopSignals() {
@@ -63,7 +63,7 @@ class StopSignals {
     sigwait(&signals_, &signal);
   }
 
-  // From now on they end the process at once.
+  // After this call they end the process at once.
   void endProcess() const {
     for (const int signal : kSignals) std::signal(signal, [](int) { std::_Exit(EXIT_SUCCESS); });
     pthread_sigmask(SIG_UNBLOCK, &signals_, nullptr);

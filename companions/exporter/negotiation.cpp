@@ -34,7 +34,7 @@ std::string lower(std::string_view text) {
   return result;
 }
 
-// One element of a header: a name, its weight, and its version where it states one.
+// One element of a header: a name, its weight, and its version if it has one.
 struct Accepted {
   std::string name;
   double weight = 1;
@@ -61,7 +61,7 @@ std::vector<Accepted> acceptedIn(std::string_view header) {
   return list;
 }
 
-// The weight of the most specific of the names that the header has; nothing where it has none.
+// The weight of the most specific of the names that the header has; nothing if it has none of them.
 std::optional<double> weightOf(const std::vector<Accepted>& list, std::string_view version,
                                std::initializer_list<std::string_view> names) {
   for (const std::string_view name : names) {

@@ -7,8 +7,8 @@
 namespace exporter {
 
 // Writes the metrics of the one target in the text format. A file is replaced by a rename, so that
-// nobody reads half of it. Throws companions::WrongCommandLine unless there is one target, and
-// std::exception where it cannot write.
+// nobody reads half of it. Throws companions::WrongCommandLine unless there is exactly one target,
+// and std::exception if it cannot write.
 void writeOnce(const Options& options, const Targets& targets);
 
 }  // namespace exporter

@@ -62,7 +62,7 @@ void check(const Options& options, const std::vector<std::string>& others) {
   if (!options.output.empty() && !options.once) throw WrongCommandLine("-o goes with --once");
 }
 
-// The files of a folder that end in ".cfg"; the path itself where it is no folder.
+// The files of a folder that end in ".cfg"; the path itself if it is not a folder.
 std::vector<fs::path> filesIn(const fs::path& path) {
   if (!fs::is_directory(path)) return {path};
   std::vector<fs::path> files;

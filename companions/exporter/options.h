@@ -13,9 +13,9 @@ namespace exporter {
 extern const companions::Program kProgram;
 
 struct Options {
-  std::vector<std::string> configurations;  // files, and folders of files
+  std::vector<std::string> configurations;  // files and folders
   std::string listen = "127.0.0.1:10893";
-  std::string webConfig;  // empty where none is named
+  std::string webConfig;  // empty if none is named
   std::string output;     // of --once; empty for standard output
   std::size_t files = 0;  // how many files are served by name
   bool once = false;
@@ -23,13 +23,15 @@ struct Options {
   bool oneAtATime = false;
 };
 
-// Nothing where --help or --version was asked for and printed. Throws companions::WrongCommandLine.
+// Nothing if --help or --version was given, which is then printed. Throws
+// companions::WrongCommandLine.
 [[nodiscard]] std::optional<Options> optionsIn(int argc, char** argv);
 
-// The configuration files that are named: each file, and for a folder all in it that end in ".cfg",
-// by name. Throws companions::WrongCommandLine where two targets would have one name.
+// The configuration files: each file that is named, and all files of a folder whose names end in
+// ".cfg", sorted by name. Throws companions::WrongCommandLine if two targets would have the same
+// name.
 struct TargetFile {
-  std::string name;  // of the target: the file's, without folder and extension
+  std::string name;  // of the target: the file name without folder and extension
   std::string path;
 };
 [[nodiscard]] std::vector<TargetFile> targetFiles(const std::vector<std::string>& configurations);

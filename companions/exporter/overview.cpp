@@ -1,4 +1,4 @@
-// The page for people: what the last scrape of each target found.
+// The page for people: the result of the last scrape of each target.
 #include <gnutls/crypto.h>
 #include <gnutls/gnutls.h>
 
@@ -42,7 +42,7 @@ std::string html(const std::string& text) {
   return result;
 }
 
-// As a value in a query: everything but letters and digits is escaped.
+// As a value in a query: all characters but letters and digits are escaped.
 std::string query(const std::string& text) {
   constexpr const char* kDigits = "0123456789ABCDEF";
   std::string result;

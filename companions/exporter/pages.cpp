@@ -12,7 +12,7 @@ namespace exporter {
 namespace {
 
 constexpr double kUsualSeconds = 10;
-constexpr double kReservedSeconds = 0.5;  // for the way back
+constexpr double kReservedSeconds = 0.5;  // for sending the answer
 constexpr double kMostSeconds = 600;
 
 Reply plain(unsigned status, std::string text) {
@@ -30,7 +30,7 @@ Reply formatted(const Metrics& metrics, const Request& request) {
   return reply;
 }
 
-// Quotes, backslashes and control characters escaped; what is not UTF-8 replaced.
+// Escapes quotes, backslashes and control characters; replaces bytes that are not UTF-8.
 std::string jsonText(const std::string& text) {
   std::string result = "\"";
   for (const char byte : validText(text)) {

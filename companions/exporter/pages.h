@@ -15,17 +15,17 @@ namespace exporter {
 
 using Targets = std::vector<std::unique_ptr<Target>>;
 
-// The metrics of one moment of a target; of a target that does not answer by the deadline, that it
-// is not up.
+// The metrics of one moment of a target. If the target does not answer by the deadline, they say
+// that it is not up.
 [[nodiscard]] Metrics scraped(Target& target, Clock::time_point deadline, std::size_t fileCount);
 
-// How long a scrape may take by the header X-Prometheus-Scrape-Timeout-Seconds, which may hold
-// anything.
+// How long a scrape may take, by the header X-Prometheus-Scrape-Timeout-Seconds. The header may
+// hold any text.
 [[nodiscard]] Clock::duration scrapeLimit(const std::string& header);
 
 class Pages {
  public:
-  // The targets must live longer. `address` stands for the exporter where a request has no host.
+  // The targets must live longer. `address` names the exporter if a request has no host.
   Pages(const Targets& targets, std::string address, std::size_t fileCount);
 
   // May be called by any number of threads.

@@ -20,7 +20,7 @@ Target::~Target() {
 
 std::shared_ptr<const Collection> Target::collect(Clock::time_point deadline) {
   std::unique_lock lock(mutex_);
-  // A collection that nobody waits for any more hangs: what it began with is old.
+  // If nobody waits for a collection any more, it hangs, and its data is old.
   const bool shares = finished_ < begun_ && Clock::now() < expires_;
   const std::uint64_t wanted = shares ? begun_ : begun_ + 1;
   if (!shares) {

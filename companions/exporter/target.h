@@ -1,4 +1,4 @@
-// A server that the exporter serves the metrics of.
+// A server whose metrics the exporter serves.
 #pragma once
 
 #include <condition_variable>
@@ -13,11 +13,11 @@
 
 namespace exporter {
 
-// Collects in a thread of its own, so that an engine that hangs holds up nobody else. All functions
-// may be called by any thread.
+// Collects in a thread of its own, so that an engine that hangs does not delay other targets. Any
+// thread may call any function.
 class Target {
  public:
-  // Where `turn` is not null, collections take turns with those of all targets that have it.
+  // If `turn` is not null, only one of the targets that share it collects at a time.
   Target(std::string name, companions::Settings settings, std::shared_ptr<std::mutex> turn);
   Target(const Target&) = delete;
   Target& operator=(const Target&) = delete;
@@ -26,14 +26,14 @@ class Target {
 
   [[nodiscard]] const std::string& name() const noexcept { return name_; }
 
-  // A collection that began after this call, or that others wait for at this moment; nothing at the
-  // deadline, and when the target stops.
+  // Returns a collection that began after this call, or the one that others wait for at this
+  // moment. Returns nothing at the deadline, and when the target stops.
   [[nodiscard]] std::shared_ptr<const Collection> collect(Clock::time_point deadline);
 
   // The last collection that ended; nothing before the first one.
   [[nodiscard]] std::shared_ptr<const Collection> last() const;
 
-  // Since when the target has been up or down; 0 before the first collection.
+  // The time since which the target has been up or down; 0 before the first collection.
   [[nodiscard]] std::time_t since() const;
 
   // Begins no further collection and closes the connection.
@@ -53,13 +53,13 @@ class Target {
   const std::shared_ptr<std::mutex> turn_;
   Collector collector_;  // of the thread alone
 
-  mutable std::mutex mutex_;  // of all that follows; no collection is made while it is held
+  mutable std::mutex mutex_;  // of all members below; it is not held during a collection
   std::condition_variable changed_;
   std::uint64_t asked_ = 0;  // collections are counted from 1
   std::uint64_t begun_ = 0;
   std::uint64_t finished_ = 0;
-  Clock::time_point expires_;      // after it nobody waits for the present collection
-  Clock::time_point nextExpires_;  // the same of the next one
+  Clock::time_point expires_;      // after this time nobody waits for the present collection
+  Clock::time_point nextExpires_;  // the same for the next one
   std::shared_ptr<const Collection> last_;
   std::time_t since_ = 0;
   bool stops_ = false;

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kLabelLimit = 128;
 constexpr double kLargestExact = 9007199254740992;  // 2 to the power of 53
 
-// A backslash and a line end are escaped everywhere, quotes where the format asks for it.
+// Backslashes and line ends are escaped everywhere, quotes where the format demands it.
 std::string escaped(std::string_view text, bool quotes) {
   std::string result;
   for (const char byte : text) {
@@ -65,7 +65,7 @@ std::string sampleLine(const std::string& name, const Sample& sample) {
   return line + ' ' + numberText(sample.value) + '\n';
 }
 
-// 0.0.4 names a family as its samples are named; OpenMetrics leaves the suffix away.
+// Format 0.0.4 gives a family the name of its samples; OpenMetrics leaves out the suffix.
 std::string header(const Definition& family, Format format) {
   const std::string type = typeText(family.type, format);
   if (format == Format::kText) {
@@ -93,7 +93,7 @@ std::string validText(std::string_view text, std::size_t limit) {
   orv::String valid;
   for (std::size_t at = 0; at < std::min(limit, wide.length()); ++at) {
     const wchar_t character = wide.charAt(at);
-    // A byte that does not decode stands as one of these.
+    // A byte that cannot be decoded is one of these.
     const bool isByte = character >= 0xdc80 && character <= 0xdcff;
     valid.append(1, isByte ? L'\ufffd' : character);
   }
@@ -122,7 +122,7 @@ std::string gzipped(const std::string& text) {
     throw std::bad_alloc();
   }
   std::string result(deflateBound(&stream, text.size()), '\0');
-  // zlib takes what it only reads as not const.
+  // A parameter of zlib that is only read lacks a const.
   stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
   stream.avail_in = static_cast<uInt>(text.size());
   stream.next_out = reinterpret_cast<Bytef*>(result.data());

@@ -18,14 +18,14 @@ enum class Format : std::uint8_t {
 // The value of the header Content-Type.
 [[nodiscard]] const char* contentType(Format format) noexcept;
 
-// The format that a scraper prefers by the weights in its header Accept, which may hold anything.
-// Where nothing in it is acceptable it is kText.
+// The format that a scraper prefers by the weights in its header Accept, which may hold any text.
+// It is kText if the header accepts no format that is served.
 [[nodiscard]] Format preferredFormat(std::string_view accept);
 
 // Whether a header Accept-Encoding accepts gzip.
 [[nodiscard]] bool acceptsGzip(std::string_view acceptEncoding);
 
-// A text from outside with U+FFFD for what is not UTF-8, cut to `limit` characters.
+// A text from outside, cut to `limit` characters. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string validText(std::string_view text, std::size_t limit = 1024);
 
 // The same as a label value, of at most 128 characters.

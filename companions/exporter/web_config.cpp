@@ -19,7 +19,8 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kLargestFile = 1024UL * 1024;
 constexpr std::size_t kMostAdmitted = 100;
-// Of no password that anybody knows; it makes an unknown user cost what a known one costs.
+// The hash of a password that nobody knows, so that the check of an unknown user takes as long as
+// that of a known one.
 constexpr const char* kNobody = "$2b$10$abcdefghijklmnopqrstuuOtBJtHqcu0CMhS5xVVQKF6M6TJ4UYDO";
 
 [[noreturn]] void refuse(const std::string& what) { throw std::runtime_error(what); }

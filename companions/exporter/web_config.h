@@ -1,4 +1,4 @@
-// The file that protects the HTTP side, in the form that exporters have in common.
+// The file that protects the HTTP side, in the form that is usual for exporters.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace exporter {
 
-// What is asked of a client's certificate.
+// What a client's certificate must be.
 enum class ClientCertificate : std::uint8_t {
   kNone,           // NoClientCert
   kVerifiedIfAny,  // VerifyClientCertIfGiven
@@ -21,7 +21,7 @@ enum class ClientCertificate : std::uint8_t {
 struct TlsConfig {
   std::string certificate;        // PEM
   std::string key;                // PEM
-  std::string clientAuthorities;  // PEM; empty where none are named
+  std::string clientAuthorities;  // PEM; empty if none are named
   ClientCertificate clientCertificate = ClientCertificate::kNone;
   bool onlyTls13 = false;
 };
@@ -30,22 +30,22 @@ struct WebConfig {
   std::optional<TlsConfig> tls;
   std::map<std::string, std::string> users;  // and the bcrypt hashes of their passwords
 
-  // Whether anything is asked of a client, or hidden from those who listen.
+  // Whether the traffic is encrypted or users need a password.
   [[nodiscard]] bool protects() const noexcept { return tls.has_value() || !users.empty(); }
 };
 
-// Reads the file and those that it names, relative to its folder. Throws std::runtime_error, which
+// Reads the file and those that it names, relative to its folder. Throws std::runtime_error that
 // says what is wrong: an unknown key, a file that cannot be read, a hash that is not bcrypt.
 [[nodiscard]] WebConfig readWebConfig(const std::string& fileName);
 
-// Lets users in. May be used by any thread.
+// Checks the passwords of users. Any thread may use it.
 class Gate {
  public:
   explicit Gate(WebConfig config) : config_(std::move(config)) {}
 
   [[nodiscard]] const WebConfig& config() const noexcept { return config_; }
 
-  // Whether the password is the user's. Takes as long for a user that is not known.
+  // Whether the user has this password. The check takes as long if the user is unknown.
   [[nodiscard]] bool admits(const std::string& user, const std::string& password);
 
  private:

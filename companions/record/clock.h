@@ -1,4 +1,4 @@
-// Times, and waiting for them.
+// Clocks, and waiting for a time.
 #pragma once
 
 #include <cstdint>
@@ -16,17 +16,17 @@ std::uint64_t steadyTime();
 // How many minutes the local time is ahead of UTC at that wall time.
 std::int32_t zoneAt(std::int64_t wallTime);
 
-// From now on SIGINT and SIGTERM ask for a stop, the second one ends the process at once, and
-// SIGHUP asks for the output to be opened anew. A signal that was ignored stays ignored. Throws
+// After this call SIGINT and SIGTERM request a stop, the second one ends the process at once, and
+// SIGHUP requests that the output is opened again. A signal that was ignored stays ignored. Throws
 // std::system_error.
 void installSignals();
 
 [[nodiscard]] bool stopRequested();
 
-// True once for each time that it was asked for.
+// True once for each request.
 [[nodiscard]] bool takeReopenRequest();
 
-// Waits until that steady time; ends earlier with a signal. Throws std::system_error.
+// Waits until that steady time. A signal ends the wait earlier. Throws std::system_error.
 void waitUntil(std::uint64_t steadyTime);
 
 }  // namespace companions::record

@@ -21,7 +21,7 @@ std::string formatted(const std::string& pattern, const tm& time) {
   return {name.data(), length};
 }
 
-// The time that the pattern makes this name of; nothing where it does not make it.
+// The time for which the pattern gives this name; nothing if it gives it for no time.
 std::optional<time_t> timeNamed(const std::string& pattern, const std::string& name) {
   tm time{};
   time.tm_mday = 1;

@@ -13,14 +13,14 @@ class FileNames {
   FileNames(std::string pattern, bool utc);
 
   // The name for a wall time, in microseconds since 1970 UTC. Throws std::runtime_error for a
-  // pattern that names nothing.
+  // pattern that gives no name.
   [[nodiscard]] std::string at(std::int64_t wallTime) const;
 
   // The folder of a name, as it can be opened.
   [[nodiscard]] static std::string folderOf(const std::string& name);
 
-  // The regular files that are there and that the pattern can name, the oldest time in front. The
-  // conversions must stand in the last part of the pattern alone.
+  // The existing regular files that the pattern can name, the oldest time first. Only the last part
+  // of the pattern may have conversions.
   [[nodiscard]] std::vector<std::string> existing() const;
 
  private:

@@ -1,4 +1,4 @@
-// zelk-record: what an engine does, a line for each moment.
+// zelk-record: writes down what an engine does, one line for each moment.
 #include "companions/record/clock.h"
 #include "companions/record/options.h"
 #include "companions/record/recorder.h"

@@ -109,7 +109,7 @@ void take(Options& options, int code, const std::string& value) {
   }
 }
 
-// No option is accepted that would do nothing.
+// Refuses an option that would have no effect.
 void check(const Options& options) {
   if (options.configuration.empty()) throw WrongCommandLine("give a configuration file with -f");
   const bool hasConversion = options.output.find('%') != std::string::npos;

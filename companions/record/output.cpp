@@ -55,7 +55,7 @@ struct Output::Compressor {
     ZSTD_CCtx_setParameter(context.get(), ZSTD_c_checksumFlag, 1);
   }
 
-  // Compresses a part, the last of a moment with ZSTD_e_end.
+  // Compresses a part; the last part of a moment takes ZSTD_e_end.
   void compress(std::string_view part, ZSTD_EndDirective directive, const Put& put) {
     ZSTD_inBuffer in{part.data(), part.size(), 0};
     std::size_t left = 0;
@@ -146,7 +146,7 @@ bool Output::hasRoom(const std::string& name) const {
   return std::uint64_t{disk.f_bavail} * disk.f_frsize >= options_.leaveFree;
 }
 
-// All but the newest of the files, as many as are to be kept.
+// All files except the newest ones, which are kept.
 void Output::removeOldest() const {
   const std::vector<std::string> names = names_.existing();
   for (std::size_t at = 0; at + options_.keep < names.size(); ++at) {

@@ -1,4 +1,4 @@
-// Where the moments go: standard output, or the file whose turn it is.
+// The output for the moments: standard output, or the file for the present time.
 #pragma once
 
 #include <cstdint>
@@ -17,20 +17,20 @@ namespace companions::record {
 
 class Output {
  public:
-  // Opens nothing yet. `sync`: whether a moment is to reach the disk before the next.
+  // Opens nothing yet. `sync`: whether each moment must reach the disk before the next one.
   Output(const Options& options, std::string server, bool sync);
   ~Output();
 
-  // Opens the file for that wall time, so that what cannot be written is known at once. Throws
-  // FileFailure.
+  // Opens the file for that wall time, so that a file that cannot be written is reported at once.
+  // Throws FileFailure.
   void open(std::int64_t wallTime);
 
-  // Writes a moment to the file for its time. False where there is no room for it: nothing was
-  // written then, and a line on standard error says so the first time. Throws FileFailure and
-  // std::system_error.
+  // Writes a moment to the file for its time. Returns false if the disk has no room for it: then
+  // nothing was written, and a line on standard error says so the first time. Throws FileFailure
+  // and std::system_error.
   bool write(const tal::recording::Moment& moment);
 
-  // The file is opened anew for the next moment.
+  // Opens the file again for the next moment.
   void reopen() { file_.reset(); }
 
   [[nodiscard]] std::uint64_t bytes() const { return bytes_; }

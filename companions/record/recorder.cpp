@@ -61,7 +61,7 @@ void Recorder::run() {
     tick += interval_;
     const std::uint64_t now = steadyTime();
     if (now <= tick) continue;
-    // Moments whose time has passed are left out, never made up for.
+    // Moments whose time has passed are left out and not recorded later.
     const std::uint64_t late = (now - tick + interval_ - 1) / interval_;
     missed_ += late;
     tick += late * interval_;
@@ -107,7 +107,7 @@ void Recorder::askAll(Moment& moment) {
   if (sections.communication) moment.communication = engine_->communication();
 }
 
-// The next connection is tried after 1, 2, 4, ... 30 seconds.
+// The next attempt to connect comes after 1, 2, 4, ... 30 seconds.
 void Recorder::lose() {
   engine_.reset();
   pause_ = std::clamp(2 * pause_, kSecond, kLongestPause);

@@ -16,8 +16,8 @@ class Recorder {
  public:
   Recorder(const Options& options, Settings settings);
 
-  // Records until it is asked to stop, the moments asked for are there, or a replay ends. Throws
-  // CallFailure when the first connection fails, and what Output throws.
+  // Records until a stop is requested, all requested moments are recorded, or a replay ends. Throws
+  // CallFailure if the first connection fails, and what Output throws.
   void run();
 
  private:
@@ -39,10 +39,10 @@ class Recorder {
   std::optional<EngineConnection> engine_;
   Output output_;
   std::uint64_t startedAt_ = 0;    // steady time
-  std::uint64_t sequence_ = 1;     // of the next moment
-  std::uint64_t missed_ = 0;       // before the next moment
-  std::uint64_t nextConnect_ = 0;  // steady time before which no connection is tried
-  std::uint64_t pause_ = 0;        // before the connection after that, microseconds
+  std::uint64_t sequence_ = 1;     // number of the next moment
+  std::uint64_t missed_ = 0;       // moments left out before the next one
+  std::uint64_t nextConnect_ = 0;  // steady time of the next attempt to connect
+  std::uint64_t pause_ = 0;        // wait before the attempt after that, microseconds
   bool hasEnded_ = false;          // a replay has no further moment
   const bool showsProgress_;
 };

@@ -27,8 +27,8 @@ constexpr mode_t kOwnerOnly = 0600;
 
 std::string reasonOf(int error) { return std::generic_category().message(error); }
 
-// Whether bytes that are no whole line can be the start of one that was being written: a moment
-// that was cut off, or what a power cut left.
+// Whether bytes after the last line end can be an unfinished line: a moment that was cut off, or
+// the remains of a power cut.
 bool isUnfinished(std::string_view bytes) {
   constexpr std::string_view kStart = "{\"zelk_recording\":";
   constexpr std::string_view kFrame = "\x28\xb5\x2f\xfd";
@@ -38,7 +38,7 @@ bool isUnfinished(std::string_view bytes) {
   return bytes.empty() || bytes.front() == '\0' || agrees(kStart) || agrees(kFrame);
 }
 
-// What a file holds already.
+// What a file already holds.
 struct Contents {
   std::uint64_t length = 0;           // of its whole lines, in bytes
   std::optional<std::string> server;  // of the last whole moment
@@ -60,7 +60,7 @@ Contents contentsOf(const std::string& name) {
   try {
     contents.server = reader.read(std::string_view(last).substr(0, length)).heading.server;
   } catch (const Damaged&) {
-    // The last whole moment stands further in front.
+    // The last whole moment begins earlier in the file.
     tal::recording::RecordingReader moments(name, [](const std::string&) {});
     for (Moment moment; moments.next(moment);) contents.server = moment.heading.server;
   }
@@ -101,7 +101,7 @@ void RecordingFile::append(std::string_view bytes) {
 void RecordingFile::abandonMoment() {
   const auto written = static_cast<off_t>(std::exchange(written_, 0));
   if (written == 0) return;
-  // The end is asked for now: somebody may have emptied the file meanwhile.
+  // The end is looked up now, because somebody may have emptied the file meanwhile.
   struct stat status {};
   if (::fstat(descriptor_, &status) != 0) fail("cannot be read", errno);
   if (status.st_size < written) return;

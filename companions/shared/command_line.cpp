@@ -19,7 +19,7 @@ constexpr Option kHelp{'h', "help"};
 constexpr Option kVersion{'V', "version"};
 constexpr int kLongestLetter = 255;
 
-// The options in the form that getopt_long takes.
+// The options in the form for getopt_long.
 class Getopt {
  public:
   explicit Getopt(std::span<const Option> options) {
@@ -29,7 +29,7 @@ class Getopt {
     long_.push_back({});
   }
 
-  // The code of the next option; -1 behind the last one.
+  // The code of the next option; -1 after the last one.
   int next(int argc, char** argv) {
     return getopt_long(argc, argv, short_.c_str(), long_.data(), nullptr);
   }
@@ -43,7 +43,7 @@ class Getopt {
     if (each.hasValue) short_ += ':';
   }
 
-  // The colon asks for ":" where a value is missing, and for no message.
+  // With the colon, getopt_long returns ":" for a missing value and prints no message.
   std::string short_ = ":";
   std::vector<option> long_;
 };

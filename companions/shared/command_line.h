@@ -22,15 +22,15 @@ struct Program {
 };
 
 struct Option {
-  int code;          // the letter of the short form; a number above 255 where there is none
+  int code;          // the letter of the short form; a number above 255 if there is none
   const char* name;  // the long form, without its dashes
   bool hasValue = false;
 };
 
 // Calls `take` for each option in order, with its value or an empty text, and returns the other
-// arguments. Options and other arguments may be mixed; "--" ends the options. Nothing is returned
-// where --help or --version was asked for and printed: the program then has nothing more to do.
-// Throws WrongCommandLine for an option that is unknown or lacks its value, and what `take` throws.
+// arguments. Options and other arguments may be mixed; "--" ends the options. Returns nothing if
+// --help or --version was given and printed: the program then has nothing more to do. Throws
+// WrongCommandLine for an option that is unknown or lacks its value, and what `take` throws.
 std::optional<std::vector<std::string>> readOptions(
     const Program& program, int argc, char** argv, std::span<const Option> options,
     const std::function<void(int code, const std::string& value)>& take);

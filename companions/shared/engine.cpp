@@ -18,7 +18,7 @@ void check(const char* call, std::int16_t status) {
   if (status != 0) throw CallFailure(call, status);
 }
 
-// False where the status is `end`, which is not an error.
+// False if the status is `end`, which is not an error.
 bool answered(const char* call, std::int16_t status, std::int16_t end) {
   if (status == end) return false;
   check(call, status);
@@ -56,7 +56,7 @@ std::int32_t connected(const Login& login) {
 
 tal::Gauge gaugeOf(const TalGauge& gauge) { return {gauge.current, gauge.peak, gauge.maximum}; }
 
-// The communication statistics carry a maximum unsigned.
+// In the communication statistics a maximum is unsigned.
 tal::Gauge gaugeOf(std::uint32_t current, std::uint32_t peak, std::uint32_t maximum) {
   return {current, peak, static_cast<std::int32_t>(maximum)};
 }
@@ -66,7 +66,7 @@ tal::FileHandle handleOf(const TalFileHandleInfo& info) {
           info.waitState,   info.transactionState, textOf(info.clientName)};
 }
 
-// None where the file was closed meanwhile: no list is given in part.
+// Empty if the file was closed meanwhile: no part of a list is returned.
 std::vector<tal::FileHandle> handlesOfFile(std::int32_t engine, const char* name) {
   std::vector<tal::FileHandle> handles;
   std::uint32_t count = 0;
@@ -84,7 +84,7 @@ std::vector<tal::FileHandle> handlesOfFile(std::int32_t engine, const char* name
   return handles;
 }
 
-// Nothing where the file was closed meanwhile.
+// Nothing if the file was closed meanwhile.
 std::optional<tal::OpenFile> fileNamed(std::int32_t engine, const char* name) {
   TalFileInfo info{};
   if (!answered("TalGetFileInfo2", TalGetFileInfo2(engine, name, &info), TAL_STATUS_FILE_CLOSED)) {
@@ -104,8 +104,8 @@ tal::ClientHandle handleOf(const TalClientHandleInfo& info) {
           textOf(info.fileName)};
 }
 
-// None where the client went meanwhile: no list is given in part. A client that is gone before its
-// handles are counted is an error, as it is to zelk (deliberate).
+// Empty if the client went away meanwhile: no part of a list is returned. A client that is gone
+// before its handles are counted is an error, as it is to zelk (deliberate).
 std::vector<tal::ClientHandle> handlesOfClient(std::int32_t engine, const tagTALCLIENTID& id) {
   std::vector<tal::ClientHandle> handles;
   std::uint32_t count = 0;
@@ -142,7 +142,7 @@ tal::Client clientOf(const tagTALCLIENTID& id, const TalClientInfo& info) {
   return client;
 }
 
-// Nothing where the client went meanwhile.
+// Nothing if the client went away meanwhile.
 std::optional<tal::Client> clientWith(std::int32_t engine, const tagTALCLIENTID& id) {
   TalClientInfo info{};
   if (!answered("TalGetZorbClientInfo", TalGetZorbClientInfo(engine, &id, &info),
@@ -238,7 +238,8 @@ std::vector<tal::OpenFile> EngineConnection::files() const {
   const Snapshot snapshot(TalFreeOpenFilesData, handle_);
   std::vector<tal::OpenFile> files;
   for (std::uint32_t index = 0; index < count; ++index) {
-    // One byte more than the library is told of, so that a name that fills its buffer is closed.
+    // One byte more than the library knows of, so that a name that fills its buffer still ends with
+    // a NUL.
     char name[TAL_NAME_SIZE + 1] = {};
     std::uint32_t size = TAL_NAME_SIZE;
     if (!answered("TalGetOpenFileName", TalGetOpenFileName(handle_, index, &size, name),

@@ -1,4 +1,4 @@
-// An engine, asked through the interface of whatever engine library is there.
+// An engine, used through the interface of the engine library that is installed.
 #pragma once
 
 #include <cstdint>
@@ -39,7 +39,7 @@ class EngineLibrary {
   ~EngineLibrary();
 };
 
-// What an engine is reached with. No text is longer than 255 bytes or holds a NUL byte.
+// Server name, user and password. No text is longer than 255 bytes or has a NUL byte.
 struct Login {
   std::string server;
   std::string user;
@@ -47,9 +47,9 @@ struct Login {
 };
 
 // One connection to an engine, used by one thread at a time; different connections may be used by
-// different threads. Every question throws CallFailure. A list is one snapshot of the engine, which
-// is released in any case. An entry that vanished while it was asked for is treated as zelk treats
-// it: the list ends at an entry that is missing, and a file or client that is gone is left out.
+// different threads. Every request throws CallFailure. A list is one snapshot of the engine, which
+// is always released. An entry that vanished meanwhile is treated as zelk treats it: the list ends
+// at a missing entry, and a file or client that is gone is left out.
 class EngineConnection {
  public:
   // Three empty texts stand for the local engine. Throws CallFailure.
@@ -63,7 +63,7 @@ class EngineConnection {
   tal::Usage usage() const;
   tal::Communication communication() const;
 
-  // With all handles, and with the files and clients that have none.
+  // Returns all handles, and also the files and clients without handles.
   std::vector<tal::OpenFile> files() const;
   std::vector<tal::Client> clients() const;
   std::vector<tal::SqlConnection> sqlConnections() const;

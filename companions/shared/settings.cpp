@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kLongestCredential = 255;
 
-// A text that is cut would be another name or password.
+// A text that is cut would be a different name or password.
 std::string credential(const orv::String& value) {
   std::string text = value.toBytes();
   if (text.size() > kLongestCredential || text.find('\0') != std::string::npos) {

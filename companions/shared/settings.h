@@ -1,4 +1,4 @@
-// What a companion takes from a configuration file of zelk.
+// The settings that a companion takes from a configuration file of zelk.
 #pragma once
 
 #include <cstdint>
@@ -19,12 +19,12 @@ struct Sections {
 
 struct Settings {
   Login login;
-  std::int32_t refreshRate = 0;  // seconds; 0 where none is set
+  std::int32_t refreshRate = 0;  // seconds; 0 if none is set
   Sections sections;
 };
 
-// Reads the whole file, which must be complete as zelk wants it. Throws orv::Exception, whose
-// description says what is wrong, and orv::ResultException for a file that cannot be read.
+// Reads the whole file, which must be complete as zelk wants it. Throws orv::Exception with a
+// description that says what is wrong, and orv::ResultException for a file that cannot be read.
 [[nodiscard]] Settings readSettings(const std::string& fileName);
 
 }  // namespace companions

@@ -3,11 +3,11 @@
 
 #include "orv/String.h"
 
-// Reads "-f <file> [-runonce]", in this order, and "-JSON" or "-json" anywhere, which sets m_JSON
-// also when the rest is wrong. Sets `fileName`, and `runOnce` to true where it is asked for.
-// Returns 0, or 1 for a command line that is not accepted.
+// Reads "-f <file> [-runonce]", in this order, and "-JSON" or "-json" anywhere. The latter sets
+// m_JSON even if the rest is wrong. Sets `fileName`, and sets `runOnce` to true if the option is
+// given. Returns 0, or 1 for a wrong command line.
 int parseArgs(int argc, char** argv, orv::String& fileName, bool& runOnce);
 
-// Prints the usage on standard output; in JSON form it also closes the document, which
+// Prints the usage on standard output. In JSON form it also closes the document that
 // displayJSONHeader has opened. Throws orv::io::IoException.
 void displayUsage(bool json);

@@ -17,7 +17,7 @@ namespace {
 constexpr int kExitClean = 0;
 constexpr int kExitDescribed = 1;
 
-// Where writing fails there is nowhere left to say so.
+// If this write fails, no other place is left to report it.
 template <class Report>
 void attempt(Report report) {
   try {
@@ -62,7 +62,7 @@ int sayLastWordsOn(const orv::Exception& failure) {
 
 int sayLastWords() {
   const std::exception_ptr exception = std::current_exception();
-  // Without an exception: there was no memory to make one.
+  // There is no exception if there was no memory to make one.
   if (!exception) return sayLastWords(kExitOutOfMemory, fatalText(kExitOutOfMemory));
   try {
     std::rethrow_exception(exception);
@@ -75,7 +75,7 @@ int sayLastWords() {
   }
 }
 
-// Says so without any memory of its own, and ends the process.
+// Prints the message without allocating memory, and ends the process.
 [[noreturn]] void endOutOfMemory() {
   std::fputs(m_JSON ? "\t\"error\": \"zelk: out of memory\"\n" : "zelk: out of memory\n", stderr);
   std::_Exit(kExitOutOfMemory);
@@ -83,7 +83,7 @@ int sayLastWords() {
 
 [[noreturn]] void onTerminate() {
   static std::atomic<bool> s_isEnding{false};
-  if (s_isEnding.exchange(true)) endOutOfMemory();  // the last words themselves have failed
+  if (s_isEnding.exchange(true)) endOutOfMemory();  // the last message itself has failed
   try {
     std::_Exit(sayLastWords());
   } catch (...) {

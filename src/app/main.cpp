@@ -1,4 +1,4 @@
-// The process entry.
+// The entry of the process.
 #include <new>
 
 #include "app/CommandLine.h"
@@ -13,6 +13,8 @@
 
 namespace {
 
+// The settings of the only run of this process. MonitorProcessor does not own them, and they must
+// outlive it however the run ends.
 orv::OwningPtr<ConfigData> s_config;
 
 void printBanner() {
@@ -32,7 +34,7 @@ void monitor(const orv::String& fileName, bool runOnce) {
   processor.startMonitoring(runOnce, m_JSON);
 }
 
-// Runs the monitoring and turns every failure into its message and exit code.
+// Runs the monitoring, and turns every failure into its message and exit code.
 int monitorGuarded(const orv::String& fileName, bool runOnce) {
   try {
     monitor(fileName, runOnce);

@@ -39,7 +39,7 @@ constexpr const char* kKeys[] = {
     kServer, kUser,     kPassword,    kRefreshRate, kRefreshLimit,   kOutput, kLogFileName,
     kFiles,  kSessions, kConnections, kResources,   kCommunications, kHandles};
 
-// Other keys are not kept, so that the size of the file does not matter.
+// Other keys are not kept, so that a large file does not use much memory.
 bool isKnown(const orv::String& key) {
   return std::find(std::begin(kKeys), std::end(kKeys), key) != std::end(kKeys);
 }

@@ -12,7 +12,8 @@
 #include "orv/String.h"
 #include "orv/io/Readers.h"
 
-// Ends the run: its description, a line of the message bundle, on standard error, exit code 1.
+// Ends the run with exit code 1. Its description, a text of the message bundle, goes to standard
+// error.
 class ConfigException : public orv::Exception {
  public:
   ConfigException() = default;
@@ -20,8 +21,9 @@ class ConfigException : public orv::Exception {
 };
 
 // Lines of key=value: blanks around a line, empty lines, lines that begin with "//" and lines
-// without "=" do not count. A key is its first four characters in any case; the last line of a key
-// holds. Every key must be present, though most values may be empty.
+// without "=" are ignored. Only the first four characters of a key count, in upper or lower case.
+// If a key occurs twice, the last line counts. Every key must be present, though most values may be
+// empty.
 class ConfigFileReader {
  public:
   // Opens nothing yet.
@@ -39,22 +41,22 @@ class ConfigFileReader {
   void readLines();
   void addConfigSetting(const orv::String& line);
 
-  // The value of a key. Throws ConfigException if the key is missing, or if its value is empty
-  // though it is `required`.
+  // The value of a key. Throws ConfigException if the key is missing, or if the value is `required`
+  // and empty.
   [[nodiscard]] orv::String getValue(const orv::String& key, bool required) const;
   // False for "NO" in any case, true for any other value (deliberate), the default for an empty
   // one.
   [[nodiscard]] bool getBooleanValue(const orv::String& key, bool defaultValue) const;
-  // 0 for what is not a number.
+  // 0 if the text is not a number.
   [[nodiscard]] int getNumber(const orv::String& key) const;
 
   void setValues();
   void setRefreshRate();
-  // To be called after setRefreshRate: without repeated refreshes there is no limit.
+  // Call it after setRefreshRate: without repeated refreshes there is no limit.
   void setRefreshlimit();
   void setOutputTypes();
 
-  // Throws what an error of opening the file stands for.
+  // Throws the exception that belongs to an error of opening the file.
   [[noreturn]] void throwError(orv::Result result) const;
 
   orv::String fileName_;

@@ -1,4 +1,4 @@
-// What is known of open files.
+// The open files, as the engine reports them.
 #pragma once
 
 #include <utility>
@@ -28,7 +28,7 @@ struct FileHandleInfo : orv::Object {
   orv::String clientName;
 };
 
-// One open file. The list of handles is empty when handle detail was not asked for.
+// One open file. The list of handles is empty if handle detail was not requested.
 struct FileInfo : orv::Object {
   using Handles = orv::collections::List<FileHandleInfo>;
 

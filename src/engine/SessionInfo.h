@@ -1,11 +1,11 @@
-// What is known of sessions and of SQL connections.
+// Sessions and SQL connections, as the engine reports them.
 #pragma once
 
 #include "orv/Collections.h"
 #include "orv/Object.h"
 #include "orv/String.h"
 
-// What identifies a record-level client. Of it only the task number is shown.
+// Identifies a record-level client. Reports show only the task number.
 struct ClientIDInfo : orv::Object {
   orv::String text;
   int first = 0;
@@ -21,8 +21,8 @@ struct SessionHandleInfo : orv::Object {
   orv::String fileName;
 };
 
-// One record-level client session. Codes are the engine's; the list of handles is empty when handle
-// detail was not asked for.
+// One record-level client session. Codes are the engine's; the list of handles is empty if handle
+// detail was not requested.
 struct SessionInfo : orv::Object {
   using Handles = orv::collections::List<SessionHandleInfo>;
 

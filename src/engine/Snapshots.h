@@ -8,7 +8,7 @@
 
 #include "orv/String.h"
 
-// Releases a snapshot that was taken when it goes out of scope.
+// Releases a snapshot at the end of its scope.
 class SnapshotRelease {
  public:
   using Release = std::int16_t (*)(std::int32_t handle);
@@ -24,7 +24,7 @@ class SnapshotRelease {
   std::int32_t handle_;
 };
 
-// The text of a fixed field: up to its NUL, or to the field's end where none stands.
+// The text of a fixed field: up to its NUL, or up to the end of the field if there is no NUL.
 template <std::size_t kSize>
 [[nodiscard]] orv::String fieldText(const char (&field)[kSize]) {
   return orv::String(std::string_view(field, strnlen(field, kSize)));

@@ -26,7 +26,7 @@ struct UsageStats : orv::Object {
   long upTimeSeconds = 0;
 };
 
-// One network protocol's counters.
+// The counters of one network protocol.
 struct ProtocolStats : orv::Object {
   long code = 0;
   long requests = 0;

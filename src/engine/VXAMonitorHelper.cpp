@@ -35,6 +35,7 @@ VXAMonitorHelper::VXAMonitorHelper()
 void VXAMonitorHelper::connect(const orv::String& server, const orv::String& user,
                                const orv::String& password) {
   TalStart(nullptr);
+  // No server and no account: the engine inside the library is meant, which needs no connection.
   if (server.isEmpty() && user.isEmpty() && password.isEmpty()) {
     handle_ = kLocalEngine;
     return;

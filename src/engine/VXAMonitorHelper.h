@@ -13,8 +13,8 @@
 #include "orv/Object.h"
 #include "orv/String.h"
 
-// The engine answered with a status that is an error. Ends the run: the status and its text on
-// standard error, exit code 1.
+// The engine answered with an error status. Ends the run with exit code 1; the status and its text
+// go to standard error.
 class VXAException : public orv::Exception {
  public:
   VXAException(orv::String const& message, int code) : Exception(message), code_(code) {}
@@ -26,10 +26,10 @@ class VXAException : public orv::Exception {
   std::int32_t code_;
 };
 
-// One connection to an engine, and what can be asked through it: every operation builds fresh
-// records. An engine's error becomes VXAException; the statuses that end or shorten a list do not.
-// A snapshot that was taken is released once, also when a list fails. Used by one thread. The owner
-// calls disconnect(): the destructor does not.
+// One connection to an engine, with the requests that it serves. Every request builds new records.
+// An error of the engine becomes VXAException; the statuses that end or shorten a list do not.
+// Every snapshot is released once, even if a list fails. Used by one thread. The owner must call
+// disconnect(): the destructor does not.
 class VXAMonitorHelper {
  public:
   using Files = orv::collections::List<FileInfo>;
@@ -41,11 +41,11 @@ class VXAMonitorHelper {
   VXAMonitorHelper& operator=(const VXAMonitorHelper&) = delete;
   virtual ~VXAMonitorHelper() = default;
 
-  // Three empty texts stand for the local engine. A text of more than 255 bytes or with a NUL byte
-  // is refused with orv::ResultException: cutting a password silently would lock accounts. After a
-  // failure the interface is stopped.
+  // Three empty texts stand for the local engine. Throws orv::ResultException for a text that is
+  // longer than 255 bytes or has a NUL byte: a password that is cut silently could lock an account.
+  // After a failure the interface is stopped.
   void connect(const orv::String& server, const orv::String& user, const orv::String& password);
-  // May be called again; then it does nothing.
+  // A second call does nothing.
   void disconnect();
 
   int getEngineType();
@@ -69,9 +69,9 @@ class VXAMonitorHelper {
   void check(std::int16_t status) const;
   void stop();
 
-  // Null where the file was closed meanwhile or, with handle detail, has no handles.
+  // Null if the file was closed meanwhile or, with handle detail, has no handles.
   orv::Reference<FileInfo> readFile(const char* name, bool withHandles);
-  // Null where the client went away meanwhile or, with handle detail, has no handles.
+  // Null if the client went away meanwhile or, with handle detail, has no handles.
   orv::Reference<SessionInfo> readSession(const tagTALCLIENTID& client, bool withHandles);
 
   std::int32_t handle_;

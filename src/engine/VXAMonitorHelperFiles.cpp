@@ -11,8 +11,8 @@ orv::Reference<VXAMonitorHelper::Files> VXAMonitorHelper::getActiveFileInfoList(
   auto files = orv::makeReference<Files>();
   for (std::uint32_t index = 0; index < count; ++index) {
     std::uint32_t size = TAL_NAME_SIZE;
-    // One byte more than the library is told of: a name that fills its buffer is closed all the
-    // same.
+    // One byte more than the library knows of, so that a name that fills its buffer still ends with
+    // a NUL.
     char name[TAL_NAME_SIZE + 1] = {};
     const std::int16_t status = TalGetOpenFileName(handle_, index, &size, name);
     if (status == TAL_STATUS_NO_ENTRY) break;

@@ -84,7 +84,7 @@ orv::Reference<SessionInfo::Handles> VXAMonitorHelper::getSessionFileHandleInfoL
     const std::int16_t status = TalGetZorbClientHandleInfo(handle_, clientId, index, &info);
     if (status == TAL_STATUS_NO_ENTRY) break;
     if (status == TAL_STATUS_CLIENT_GONE) {
-      handles->clear();  // the client went during the walk: no partial list
+      handles->clear();  // the client went away during the walk: no partial list
       break;
     }
     check(status);

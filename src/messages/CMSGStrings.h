@@ -1,10 +1,10 @@
-// Texts straight from a bundle, without formatting.
+// Texts from a bundle, without formatting.
 #pragma once
 
 #include "orv/String.h"
 
-// No operation throws for a missing bundle or key: the text then says so. Beside
-// MakeResourceString these serve tools that share the bundle TALMSG.
+// No operation throws for a missing bundle or key: the text then says so. The functions besides
+// MakeResourceString serve tools that share the bundle TALMSG.
 class CMSGStrings {
  public:
   CMSGStrings() = delete;
@@ -18,7 +18,7 @@ class CMSGStrings {
   static void MakeResString(const orv::String& prefix, int number, orv::String& text);
   static void MakeResString(int number, orv::String& text);
 
-  // A dialog's message and title from TALMSG; both say so when the bundle cannot be loaded.
+  // A dialog's message and title from TALMSG; if the bundle cannot be loaded, both say so.
   static void PrepareDialog(const orv::String& messageKey, const orv::String& titleKey,
                             orv::String& message, orv::String& title);
   static void PrepareDialog(int messageNumber, const orv::String& titleKey, orv::String& message,

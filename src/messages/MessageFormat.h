@@ -1,5 +1,5 @@
-// Filling in message texts in printf style. A text is data from a file, so nothing of it reaches
-// printf but what was understood before.
+// Filling in message texts in printf style. A text is data from a file, so only conversions that
+// were checked before reach printf.
 #pragma once
 
 #include <optional>
@@ -10,9 +10,9 @@
 
 using MessageArgument = std::variant<const char*, int>;
 
-// The text with its conversions replaced, at least as far as the first 2047 bytes. Conversions are
-// %s for a narrow string, %d %i %u %o %x %X %c for an int, with flags, a width, a precision, h or
-// hh, and all or none of them with a position (%2$s). Arguments may be left over. Nothing if a
-// conversion is another one, has no argument, or has one of the other type.
+// The text with its conversions replaced, at least in the first 2047 bytes. Conversions are %s for
+// a narrow string, %d %i %u %o %x %X %c for an int, with flags, a width, a precision, h or hh, and
+// all or none of them with a position (%2$s). Unused arguments are allowed. Returns nothing if the
+// text has another conversion, or one without an argument of its type.
 [[nodiscard]] std::optional<std::string> fillIn(std::string_view text,
                                                 std::span<const MessageArgument> arguments);

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kTextSize = 1024;
 constexpr std::size_t kLongestResult = 2047;
 
-// What a C string shows of it, without a part of a character at the end.
+// The text as far as a C string shows it, without an incomplete character at the end.
 std::string_view cut(std::string_view result) {
   result = result.substr(0, result.find('\0'));
   if (result.size() <= kLongestResult) return result;

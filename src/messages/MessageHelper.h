@@ -15,8 +15,8 @@ class MessageHelper : public orv::Object {
   MessageHelper(const char* bundle, const char* prefix) : bundle_(bundle), prefix_(prefix) {}
 
   // The text under prefix + key with the arguments filled in: narrow strings for %s, ints for
-  // integer conversions. A text whose conversions do not fit the arguments is given as it stands;
-  // a missing bundle or key gives "The resource bundle is not installed". A text is cut to 1023
+  // integer conversions. A text whose conversions do not fit the arguments is returned unchanged; a
+  // missing bundle or key gives "The resource bundle is not installed". A text is cut to 1023
   // bytes, the result to 2047.
   template <class... Arguments>
   [[nodiscard]] orv::String getResStr(const char* key, Arguments... arguments) const {

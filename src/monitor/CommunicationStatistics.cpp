@@ -90,7 +90,7 @@ void MonitorProcessor::writeCommunicationJson(const CommStats& statistics) {
     put(keys->sessions);
     put("\t\t\t\"current\": " + unsignedText(protocol->currentSessions) + ",");
     put("\t\t\t\"peak\": " + unsignedText(protocol->peakSessions));
-    put("\t\t}");  // never a comma, whatever follows (deliberate)
+    put("\t\t}");  // never a comma, even if more follows (deliberate)
   }
   put("\t}");  // no comma, unlike the other sections (deliberate)
 }

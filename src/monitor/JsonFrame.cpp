@@ -11,7 +11,7 @@ int s_jsonFrameState = kNotOpened;
 void openFrame() {
   if (s_jsonFrameState == kComplete) return;
   if (s_jsonFrameState != kNotOpened) {
-    s_jsonFrameState = kNotOpened;  // the closing must write what the interrupted run could not
+    s_jsonFrameState = kNotOpened;  // the closing writes what the interrupted run could not write
     return;
   }
   for (const orv::String& line : jsonHeaderLines(*s_msgHelper)) s_pw->println(line);

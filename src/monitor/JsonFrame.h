@@ -1,4 +1,4 @@
-// The frame of the JSON document where no monitoring run writes it.
+// The frame of the JSON document for the cases in which no monitoring run writes it.
 #pragma once
 
 #include <array>
@@ -9,12 +9,11 @@
 // The lines that open every JSON document, in order; the first begins with an empty line.
 std::array<orv::String, 5> jsonHeaderLines(const MessageHelper& messages);
 
-// Keeps the frame on standard output whole on every path; does nothing unless `json`.
-// (0, 0) opens the document, unless one is open: then it only makes the next closing write its "}".
-// (0, 1) hands the document to the monitoring run, which writes its own frame.
-// (1, any) closes the document, unless the run has it.
-// Throws orv::io::IoException.
+// Keeps the frame on standard output complete in every case; does nothing unless `json`. (0, 0)
+// opens the document, unless one is open: then it only makes the next closing write its "}". (0, 1)
+// hands the document to the monitoring run, which writes its own frame. (1, any) closes the
+// document, unless the run has it. Throws orv::io::IoException.
 void displayJSONHeader(bool json, int close, int mode);
 
-// The monitoring run has closed its document: up to the next closing, nothing is printed.
+// The monitoring run has closed its document: nothing is printed until the next closing.
 void completeJsonDocument();

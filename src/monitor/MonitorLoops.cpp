@@ -43,13 +43,13 @@ void MonitorProcessor::processMonitorRequestsUntilStopped(bool json) {
   if (orv::stopSignalCame()) {
     writer->println(messages_->getResStr("MSG_EXIT"));
   } else {
-    threadWriter->flush();  // a closing line that the thread could not write: this fails in order
+    threadWriter->flush();  // retries the thread's closing line: a failure ends the run normally
   }
 }
 
 void MonitorProcessor::refresh(bool json) {
   processMonitorRequests(json);
-  orv::returnFreeMemory();  // what one report listed is not kept while waiting for the next
+  orv::returnFreeMemory();  // the memory of one report is not kept while waiting for the next
 }
 
 void MonitorProcessor::printPromptAndProgress(orv::io::PrintWriter& writer,

@@ -41,7 +41,7 @@ void MonitorProcessor::startMonitoring(bool runOnce, bool json) {
 }
 
 void MonitorProcessor::closeDocument() {
-  // The console comes first: when a later output fails, the console has its "}".
+  // The console comes first, so that it has its "}" even if a later output fails.
   if (config_->consoleOutput) completeJsonDocument();
   put("}");
   completeJsonDocument();

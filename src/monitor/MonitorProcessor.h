@@ -17,25 +17,25 @@
 // stop signal or by the timed loop at its limit; never reset: a process runs one monitoring run.
 extern std::atomic<bool> s_stopRequested;
 
-// What stands for a value that is not available or not known.
+// Printed for a value that is not available or not known.
 extern const orv::String s_notAvailable;
 
 // Builds the output, writes the run header, connects to the engine and prints the report sections
 // once, at the refresh rate, or when the user asks. Each section fetches all its data before its
-// first line, so that a failing engine leaves no half-written section. Failures of the engine
+// first line, so that no section stays half-written if the engine fails. Failures of the engine
 // (VXAException) and of the output (orv::io::IoException) end the run. Used by the main thread.
 class MonitorProcessor {
  public:
-  // The configuration is not owned and must outlive the processor, which wipes the password once it
-  // is not needed any more. `json` selects the flavour of the value maps.
+  // The configuration is not owned and must outlive the processor, which wipes the password when it
+  // is no longer needed. `json` selects the form of the value maps.
   MonitorProcessor(ConfigData* config, bool json);
   MonitorProcessor(const MonitorProcessor&) = delete;
   MonitorProcessor& operator=(const MonitorProcessor&) = delete;
   // Disconnects from the engine.
   virtual ~MonitorProcessor();
 
-  // The whole run; `json` as given to the constructor. Until the engine is connected, a stop signal
-  // ends the process at once.
+  // The whole run. `json` must be the same as for the constructor. Until the engine is connected, a
+  // stop signal ends the process at once.
   void startMonitoring(bool runOnce, bool json);
 
   // One refresh: the enabled sections in their fixed order.
@@ -48,7 +48,7 @@ class MonitorProcessor {
   // orv::ResultException if the thread cannot be started.
   void startUserInputThread(orv::io::PrintWriter* out);
   static void* readUserInput(void* arguments);
-  // Ends early, within one slice of three seconds, when a stop is requested.
+  // Ends early, within three seconds, when a stop is requested.
   static void incrementalSleep(long milliseconds);
 
   void createOutputFormatter();
@@ -58,7 +58,7 @@ class MonitorProcessor {
   // `kind`: 0 a text, 1 a number, 2 a flag.
   void printConfigurationNV(const orv::String& name, const orv::String& value, bool json, int kind);
 
-  // Codes to words. What is not in a map is "n/a".
+  // Codes to words. A code that is not in a map is "n/a".
   void createMaps(bool json);
   static orv::String getMapValue(const orv::Reference<orv::collections::IntegerHashMap>& map,
                                  int code);
@@ -117,7 +117,7 @@ class MonitorProcessor {
   void writeCommunicationText(const CommStats& statistics);
   void writeCommunicationJson(const CommStats& statistics);
 
-  // One line of a report, behind `tabs` tabs.
+  // One line of a report, after `tabs` tabs.
   void put(orv::String line, int tabs = 0) { output_->putData(std::move(line), tabs); }
 
   ConfigData* config_;

@@ -14,7 +14,7 @@ constexpr useconds_t kStartDelayMicroseconds = 100'000;
 
 }  // namespace
 
-// What the keyboard thread works with; owned by it.
+// The data of the keyboard thread, which owns it.
 class MonitorProcessor::UserInputThreadArgs : public orv::Object {
  public:
   UserInputThreadArgs(orv::String exitText, orv::String inputErrorText,
@@ -24,7 +24,7 @@ class MonitorProcessor::UserInputThreadArgs : public orv::Object {
         writer_(writer),
         limit_(limit) {}
 
-  // Until "q", too many bad bytes, or a stop signal, which the main thread answers itself.
+  // Until "q", too many bad bytes, or a stop signal, which the main thread handles.
   void readKeys(orv::io::StdioInputStream& input) {
     int bad = 0;
     int count = 0;
@@ -44,7 +44,7 @@ class MonitorProcessor::UserInputThreadArgs : public orv::Object {
     try {
       writer_->println(closingLine);
     } catch (const orv::io::IoException&) {
-      // The line is still in the writer.
+      // The line is still in the writer's buffer: the main thread writes it.
     }
     s_stopRequested = true;
   }
@@ -69,7 +69,7 @@ void MonitorProcessor::startUserInputThread(orv::io::PrintWriter* out) {
 
 void* MonitorProcessor::readUserInput(void* arguments) {
   const orv::Reference<UserInputThreadArgs> owned(static_cast<UserInputThreadArgs*>(arguments));
-  owned->releaseReference();  // held by `owned` from here on
+  owned->releaseReference();  // `owned` holds it from here on
   const auto input = orv::makeReference<orv::io::StdioInputStream>();
   usleep(kStartDelayMicroseconds);
   owned->readKeys(*input);

@@ -24,7 +24,7 @@ class List : public Object {
 
   void append(Element element) { elements_.push_back(std::move(element)); }
   void clear() noexcept { elements_.clear(); }
-  // Gives back the room for more elements; for a list that is complete.
+  // Frees the memory that is kept for more elements; call it when the list is complete.
   void shrinkToSize() { elements_.shrink_to_fit(); }
 
   [[nodiscard]] std::size_t size() const noexcept { return elements_.size(); }
@@ -45,7 +45,8 @@ struct StringHash {
   }
 };
 
-// Starts with `capacity` buckets; gets more when there are more than `loadFactor` entries for each.
+// Starts with `capacity` buckets, and gets more when there are more than `loadFactor` entries per
+// bucket.
 template <class Key, class Hash>
 class HashMap : public Object {
  public:
@@ -65,7 +66,7 @@ class HashMap : public Object {
 
   [[nodiscard]] std::size_t size() const noexcept { return map_.size(); }
 
-  // Leaves every value empty, and nothing of them in memory.
+  // Empties every value and overwrites its memory.
   void wipe() noexcept {
     for (auto& entry : map_) entry.second.wipe();
   }

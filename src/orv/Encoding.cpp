@@ -11,9 +11,9 @@ constexpr wchar_t kFirstCarriedByte = 0xDC80;
 constexpr wchar_t kLastCarriedByte = 0xDCFF;
 constexpr wchar_t kByteCarrier = 0xDC00;
 
-// What a lead byte promises: the sequence's length (0: no lead byte), the payload in the lead, and
-// the range of the second byte, which excludes overlong forms, surrogates and what lies above
-// U+10FFFF.
+// What a lead byte announces: the length of the sequence (0: not a lead byte), the payload in the
+// lead, and the range of the second byte. This range excludes overlong forms, surrogates and values
+// above U+10FFFF.
 struct Lead {
   std::size_t length;
   std::uint32_t payload;

@@ -9,8 +9,8 @@
 
 namespace orv {
 
-// Ends the run. With a description: that line on standard error, exit code 1. Without one: the
-// fatal-error message with the result, which is the exit code too; nothing when the result is 0.
+// Ends the run. With a description: this line on standard error, exit code 1. Without one: the
+// fatal-error message with the result, which is also the exit code; no message if the result is 0.
 class Exception : public std::exception {
  public:
   Exception() = default;
@@ -25,7 +25,7 @@ class Exception : public std::exception {
   Result result_ = 0;
 };
 
-// A failure known by its result code. Ends the run as Exception does.
+// A failure that has a result code. Ends the run as Exception does.
 class ResultException : public Exception {
  public:
   explicit ResultException(Result result, String description = {})

@@ -12,16 +12,16 @@ struct DirHandle;
 DirHandle* ORVDirOpen(const String& path);
 void ORVDirClose(DirHandle* handle) noexcept;
 
-// Makes one folder with these permissions, less the process's mask. A folder that exists already
-// (another process may have been faster) is no failure. Returns 0 or a result code.
+// Makes one folder with these permissions, less the process's mask. It is no failure if the folder
+// exists already, because another process may have been faster. Returns 0 or a result code.
 Result ORVDirCreate(const String& path, unsigned permissions);
 
 // True if a status query on the path succeeds.
 bool ORVPathExists(const String& path);
 
-// True if somebody may have planted what the path names, so that it must not be written: in a
-// folder that every user can write, it is, or it is reached by, a link or a file that belongs
-// neither to this user nor to the folder's owner.
+// True if another user may have planted the file that the path names, so that it must not be
+// written. This is so if, in a folder that every user can write, the path leads to or through a
+// link or a file that belongs neither to this user nor to the owner of the folder.
 bool isPlanted(const String& path);
 
 }  // namespace orv

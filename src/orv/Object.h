@@ -9,8 +9,8 @@
 
 namespace orv {
 
-// Base of everything that is shared through Reference. The count is kept in the object and is safe
-// across threads; the object's own state is not.
+// Base of all classes that are shared through Reference. The count is kept in the object and is
+// safe across threads; the object's own state is not.
 class Object {
  public:
   Object(const Object&) = delete;
@@ -68,7 +68,7 @@ template <class T, class... Arguments>
   return Reference<T>(new T(std::forward<Arguments>(arguments)...));
 }
 
-// Sole ownership; what it holds is deleted with it or when another object is stored.
+// Sole ownership. Its object is deleted with it, or when another object is stored.
 template <class T>
 using OwningPtr = std::unique_ptr<T>;
 

@@ -7,8 +7,8 @@
 
 namespace orv {
 
-// An optional sign and decimal digits that fill the whole text. Anything else, and what does not
-// fit the type, yields 0.
+// Reads an optional sign and decimal digits that fill the whole text. Returns 0 for anything else,
+// and for a number that does not fit the type.
 class Number {
  public:
   Number() = delete;
@@ -20,13 +20,13 @@ class Number {
 
 namespace orv::util {
 
-// The pieces of a text between delimiters. Delimiters are not pieces, nor is what is empty.
+// The pieces of a text between delimiters. Delimiters and empty texts are not pieces.
 class StringTokenizer {
  public:
   StringTokenizer(String text, wchar_t delimiter);
 
   [[nodiscard]] bool hasMoreTokens() const noexcept { return next_ < text_.length(); }
-  // To be called only while there are more; gives an empty string otherwise.
+  // Call it only while there are more pieces; otherwise it returns an empty string.
   String nextToken();
   // How many are left.
   [[nodiscard]] std::size_t countTokens() const;

@@ -23,7 +23,7 @@ namespace {
 
 struct Standard {
   int descriptor;
-  int wrongMode;  // in which the descriptor's use fails
+  int wrongMode;  // a mode in which every use of the descriptor fails
 };
 
 constexpr Standard kStandards[] = {
@@ -40,8 +40,8 @@ std::atomic<bool>* s_flag = nullptr;
 std::atomic<bool> s_came{false};
 int s_wakePipe[2] = {-1, -1};
 
-// The second signal finds the default action in place and ends the process. A signal that was
-// ignored was never given this handler and is left alone.
+// The second signal meets the default action and ends the process. A signal that was ignored never
+// gets this handler and stays ignored.
 void restoreDefaults() noexcept {
   for (const int signal : kStopSignals) {
     struct sigaction present {};
@@ -60,7 +60,7 @@ void onStopSignal(int /*signal*/) {
   errno = savedError;
 }
 
-// Blocks the stop signals while it lives. A thread that is started meanwhile inherits that, so that
+// Blocks the stop signals while it lives. A thread that is started meanwhile inherits this, so that
 // the signals reach the thread that sleeps.
 class StopSignalBlock {
  public:

@@ -1,5 +1,5 @@
-// What the process asks of the operating system for itself: standard descriptors, signals, threads,
-// memory and the clock.
+// What the process sets up with the operating system for itself: standard descriptors, signals,
+// threads, memory and the clock.
 #pragma once
 
 #include <atomic>
@@ -9,18 +9,19 @@
 
 namespace orv {
 
-// To be called before anything is opened. If standard input, output or error is closed, opens it in
-// a way that every use fails: otherwise the next file or connection would take its number, and
-// reports would go into it. Throws ResultException.
+// Call it before anything is opened. If standard input, output or error is closed, this opens it so
+// that every use fails. Otherwise the next file or connection would get its number, and reports
+// would be written into it. Throws ResultException.
 void keepStandardDescriptors();
 
-// From now on messages, the operating system's included, are in the language of the user's locale,
-// and the system's are in UTF-8. Nothing else of the locale is used.
+// After this call, messages are in the language of the user's locale. Those of the operating system
+// are too, in UTF-8. Nothing else of the locale is used.
 void useMessageLanguage() noexcept;
 
-// From now on SIGINT, SIGTERM and SIGHUP set `stopRequested` and wake a StdioInputStream that waits
-// for input; a second one ends the process at once. A signal that is ignored stays ignored. The
-// flag must live as long as the process. Throws ResultException if the system has no pipe left.
+// After this call SIGINT, SIGTERM and SIGHUP set `stopRequested` and wake a StdioInputStream that
+// waits for input; a second one ends the process at once. A signal that is ignored stays ignored.
+// The flag must live as long as the process. Throws ResultException if the system cannot make a
+// pipe.
 void installStopSignals(std::atomic<bool>& stopRequested);
 
 // True once a stop signal has come.
@@ -29,19 +30,19 @@ bool stopSignalCame() noexcept;
 // A descriptor that becomes readable with the first stop signal; -1 before installStopSignals.
 int stopSignalDescriptor() noexcept;
 
-// From now on a write beyond the process's limit on file sizes fails like any other write, instead
-// of ending the process without a word.
+// After this call, a write beyond the file size limit of the process fails like any other write.
+// Without it, such a write would end the process without a message.
 void ignoreFileSizeSignal() noexcept;
 
-// From now on the process leaves no core file, and the user's other processes cannot look into its
-// memory, where a password stands.
+// After this call the process leaves no core file, and other processes of the user cannot read its
+// memory, which holds a password.
 void keepMemoryPrivate() noexcept;
 
 using ThreadBody = void* (*)(void*);
 
 // Starts `body(argument)` on a detached thread called `name` (the system shows the first 15 bytes).
-// Stop signals go to the other threads only. Returns 0 or a result code; after success the thread
-// owns what the argument points to.
+// Stop signals go to the other threads only. Returns 0 or a result code. After success the thread
+// owns the object that the argument points to.
 Result ORVThreadCreate(ThreadBody body, void* argument, const char* name);
 
 // Returns freed memory to the system.

@@ -87,7 +87,7 @@ String String::toUpper() const {
 }
 
 String operator+(const char* left, const String& right) {
-  // Room for what else a line of output gets: a comma, tabs before it, the line's end.
+  // Room for the rest of an output line: tabs before the text, a comma, the line end.
   constexpr std::size_t kSlack = 12;
   const std::string_view bytes(left);
   String result;

@@ -9,8 +9,8 @@
 namespace orv {
 
 // Wide text; one element is one character. Narrow texts are UTF-8 and are converted without loss
-// (orv/Encoding.h). Case conversions and comparisons concern ASCII letters alone, so that no
-// output depends on a locale.
+// (orv/Encoding.h). Case conversions and comparisons change or ignore the case of ASCII letters
+// only, so that no output depends on a locale.
 class String {
  public:
   String() = default;
@@ -39,7 +39,7 @@ class String {
   // `index` is at most length().
   void insert(std::size_t index, std::size_t count, wchar_t character);
 
-  // Becomes empty and leaves nothing of the text in memory.
+  // Empties the text and overwrites its memory.
   void wipe() noexcept;
 
   [[nodiscard]] bool contains(wchar_t character) const noexcept;
@@ -60,14 +60,15 @@ class String {
   std::wstring text_;
 };
 
-// Becomes empty and leaves nothing of the bytes in memory.
+// Empties the bytes and overwrites their memory.
 void wipe(std::string& bytes) noexcept;
 
-// Copies the text's bytes into `buffer`, cut at a character to fit with a closing NUL. `size` is
-// the buffer's, at least 1.
+// Copies the bytes of the text and a closing NUL into `buffer`. A text that is too long is cut
+// after a whole character. `size` is the size of the buffer, at least 1.
 void ORVUnicodeToAnsi(const String& text, char* buffer, std::size_t size);
 
-// Copies a narrow text, cut to fit with a closing NUL. `size` is the buffer's, at least 1.
+// Copies a narrow text and a closing NUL, and cuts a text that is too long. `size` is the size of
+// the buffer, at least 1.
 void ORVStrCpyA(char* buffer, std::size_t size, const char* text) noexcept;
 
 }  // namespace orv

@@ -28,7 +28,7 @@ constexpr NamedLevel kNamedLevels[] = {
     {"ALL",     Level::kAll    },
 };
 
-// A bare file name behind the current folder, where that has a name.
+// Puts the name of the current folder, if it has one, before a plain file name.
 orv::String withFolder(const orv::String& path) {
   if (path.contains(orv::util::FilePath::dirDelim)) return path;
   try {
@@ -64,7 +64,7 @@ void Logger::close() {
 void Logger::addStdOutHandler() { addHandler(orv::makeReference<orv::io::StdioOutputStream>()); }
 
 void Logger::addFileHandler(const orv::String& path) {
-  // The system would take the part before a NUL byte for the name.
+  // The system would use only the part before a NUL byte as the name.
   if (path.contains(L'\0')) throwError(orv::kFileNotFound, withoutNul(path));
   if (orv::isPlanted(path)) throwError(orv::kAccessDenied, withFolder(path));
   const orv::Result code = Utils::createDirs(path);

@@ -1,4 +1,4 @@
-// The one sink of all report output.
+// The one place through which all report output goes.
 #pragma once
 
 #include <cstdint>
@@ -24,9 +24,9 @@ enum class Level : std::int32_t {
   kOff = 8,
 };
 
-// Writes each message of sufficient level to every handler as one line, and flushes it, in the
-// order in which the handlers were added. A new logger has no handler and the threshold kOff.
-// Used by one thread. Writing throws orv::io::IoException.
+// Writes each message of sufficient level to every handler as one line, and flushes it. The
+// handlers get it in the order in which they were added. A new logger has no handler and the
+// threshold kOff. Used by one thread. Writing throws orv::io::IoException.
 class Logger : public orv::Object {
  public:
   Logger() : Logger("ARSK", "ARSK_") {}
@@ -34,18 +34,18 @@ class Logger : public orv::Object {
   Logger(const char* bundle, const char* prefix);
   ~Logger() override;
 
-  // Closes every handler. Call it when all is written: some file systems report a failed write only
-  // when the file is closed. Throws orv::io::IoException.
+  // Closes every handler. Call it when everything is written: some file systems report a failed
+  // write only when the file is closed. Throws orv::io::IoException.
   void close();
 
   void addStdOutHandler();
   // Creates the folders of the path and the file, or empties the file. A name with a NUL byte and a
-  // planted file (orv/Files.h) count as files that cannot be created. Throws
-  // orv::io::IoException or orv::ResultException; no handler is added then.
+  // planted file (orv/Files.h) count as files that cannot be created. Throws orv::io::IoException
+  // or orv::ResultException; in this case no handler is added.
   void addFileHandler(const orv::String& path);
 
   void setLevel(Level level) noexcept { level_ = level; }
-  // By the level's name, in any case; an unknown name turns all output off (deliberate).
+  // The name of a level, in upper or lower case; an unknown name turns all output off (deliberate).
   void setLevel(const orv::String& name);
 
   void log(Level level, const orv::String& message);
@@ -57,8 +57,8 @@ class Logger : public orv::Object {
   void finer(const orv::String& message) { log(Level::kFiner, message); }
   void finest(const orv::String& message) { log(Level::kFinest, message); }
 
-  // Turns a failure to create a file into orv::io::IoException, or into orv::ResultException when
-  // the code has no text of its own.
+  // Turns a failure to create a file into orv::io::IoException, or into orv::ResultException if the
+  // code has no text.
   [[noreturn]] void throwError(orv::Result code, const orv::String& path) const;
 
  private:

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kWriterBufferSize = 2048;
 
-// Standard streams are named in the user's language.
+// The standard streams have names in the user's language.
 orv::String nameOf(const orv::String& target) {
   if (target == orv::io::kStandardOutput) return s_msgHelper->getResStr("STANDARD_OUTPUT");
   if (target == orv::io::kStandardError) return s_msgHelper->getResStr("STANDARD_ERROR");

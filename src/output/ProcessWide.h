@@ -1,4 +1,4 @@
-// What the whole process shares. Declared here, in the lowest layer that uses any of it.
+// What the whole process shares. It is declared here, in the lowest layer that uses it.
 #pragma once
 
 #include "messages/MessageHelper.h"
@@ -15,7 +15,7 @@ extern orv::Reference<orv::io::PrintWriter> s_pw;
 extern orv::Reference<orv::io::PrintWriter> s_errpw;
 extern orv::Reference<MessageHelper> s_msgHelper;
 
-// JSON output was asked for.
+// JSON output was requested.
 extern bool m_JSON;
 
 // Creates the three objects above. From then on a failed write is described in the user's

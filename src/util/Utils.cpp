@@ -18,7 +18,7 @@ constexpr std::size_t kTimeBufferSize = 100;
 constexpr long kSecondsPerDay = 86400;
 constexpr long kSecondsPerHour = 3600;
 constexpr long kSecondsPerMinute = 60;
-// How many characters each of the first fields of a version is padded to.
+// The width to which each of the first fields of a version is padded.
 constexpr std::size_t kVersionFieldWidths[] = {2, 2, 3};
 
 template <class Integer>
@@ -33,7 +33,7 @@ orv::Result createDirIfMissing(const orv::String& path) {
   return Utils::dirExist(path) ? 0 : orv::ORVDirCreate(path, kFolderPermissions);
 }
 
-// Negative components of a time get their zero as well.
+// Negative parts of a time get a zero too.
 orv::String twoDigits(long number) {
   return (number < 10 ? "0" : "") + orv::String::valueOf(number);
 }
@@ -121,7 +121,7 @@ long Utils::parseLong(const orv::String& text) {
 
 orv::String Utils::getTime(const char* format) {
   const time_t now = orv::ORVTimeToPosix(orv::ORVTimeGetLocal());
-  tzset();  // a time zone that changes during the run is followed
+  tzset();  // the time zone may change during the run
   tm local{};
   if (localtime_r(&now, &local) == nullptr) return {};
   char buffer[kTimeBufferSize];

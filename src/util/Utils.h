@@ -9,8 +9,8 @@
 #include "orv/Result.h"
 #include "orv/String.h"
 
-// Thrown by the parsers of Utils, without a description. Who parses decides what the text stands
-// for instead; uncaught, it ends the run as orv::Exception does.
+// Thrown by the parsers of Utils, without a description. The caller decides which value to use
+// instead. If nobody catches it, it ends the run as orv::Exception does.
 class NumberFormatException : public orv::Exception {
  public:
   using orv::Exception::Exception;
@@ -22,12 +22,12 @@ class Utils {
 
   Utils() = delete;
 
-  // True if the system reports the path as existing; any failure counts as not existing.
+  // True if the system reports that the path exists; false after any failure.
   static bool fileExist(const orv::String& path);
-  // True if the path can be opened as a folder; any failure counts as no folder.
+  // True if the path can be opened as a folder; false after any failure.
   static bool dirExist(const orv::String& path);
-  // Makes the missing folders above the file `path`, with all permissions that the process's mask
-  // leaves. Returns 0, or the result code of the first folder that cannot be made.
+  // Makes the missing folders above the file `path`, with all permissions that the mask of the
+  // process allows. Returns 0, or the result code of the first folder that cannot be made.
   static orv::Result createDirs(const orv::String& path);
 
   static void removeTabChars(orv::String& text);
@@ -44,9 +44,9 @@ class Utils {
   static orv::String createDelimitedStr(const StringList& list, const char* delimiter);
   static orv::String convertStringListToString(const StringList& list);
 
-  // An optional sign and decimal digits, between blanks, tabs and line ends that do not count.
-  // Throws NumberFormatException for anything else, for what does not fit the type, and for a zero
-  // that is not written as "0" (deliberate).
+  // Reads an optional sign and decimal digits. Blanks, tabs and line ends around them are ignored.
+  // Throws NumberFormatException for anything else, for a number that does not fit the type, and
+  // for a zero that is not written as "0" (deliberate).
   static int parseInt(const orv::String& text);
   static long parseLong(const orv::String& text);
 

@@ -1,5 +1,4 @@
-// What stands between C callers and this library: what they hand in is checked, and no exception
-// leaves.
+// The boundary between C callers and this library: arguments are checked, and no exception leaves.
 #pragma once
 
 #include <cstddef>
@@ -20,7 +19,7 @@ inline constexpr std::size_t kCredentialLimit = 255;
 
 constexpr std::int16_t code(Status status) noexcept { return static_cast<std::int16_t>(status); }
 
-// Runs `action` and returns what became of it as a status of the interface. Nothing is thrown.
+// Runs `action` and returns its outcome as a status of the interface. Throws nothing.
 template <typename Action>
 std::int16_t guarded(const Action& action) noexcept {
   try {
@@ -35,7 +34,7 @@ std::int16_t guarded(const Action& action) noexcept {
   }
 }
 
-// What `pointer` points to. Throws Failure kBadArgument for a null pointer.
+// The object that `pointer` points to. Throws Failure kBadArgument for a null pointer.
 template <typename Value>
 Value& required(Value* pointer) {
   if (pointer == nullptr) throw Failure(Status::kBadArgument);
@@ -49,7 +48,7 @@ inline std::string_view credential(const char* text) {
   return {text, length};
 }
 
-// A file name, of which no more is read than a name can have.
+// A file name. Reads no more bytes than a name can have.
 inline std::string_view fileName(const char* text) {
   return {text, strnlen(&required(text), TAL_NAME_SIZE)};
 }

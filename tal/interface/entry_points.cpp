@@ -1,4 +1,4 @@
-// The 23 functions of the interface, each one statement. Different connections may be used by
+// The 23 functions of the interface; each is one statement. Different connections may be used by
 // different threads at the same time, one connection by one thread at a time; TalStart and TalStop
 // come first and last.
 #include <cstdint>
@@ -22,7 +22,7 @@ using tal::interface::ServedEngine;
 
 namespace {
 
-// Fills `out` with what `ask` gets from the engine. Nothing is asked when `out` is null.
+// Fills `out` with what `ask` gets from the engine. Does not ask if `out` is null.
 template <typename Out, typename Ask>
 std::int16_t answered(std::int32_t handle, Call call, Out* out, const Ask& ask) {
   return guarded([&] {
@@ -50,7 +50,7 @@ void putInformation(ServedEngine& from, std::uint8_t* flag, std::int32_t* first,
   *engineType = information.engineType;
 }
 
-// Announces in `size` how long the name is that went into the buffer.
+// Writes into `size` the length of the name in the buffer.
 void putName(ServedEngine& from, std::uint32_t index, std::uint32_t* size, char* buffer) {
   std::uint32_t& place = required(size);
   char& first = required(buffer);

@@ -11,7 +11,7 @@ namespace {
 
 TalGauge gauge(const Gauge& from) noexcept { return {from.current, from.peak, from.maximum}; }
 
-// The communication statistics carry their maxima unsigned.
+// In the communication statistics the maxima are unsigned.
 std::uint32_t unsignedMaximum(const Gauge& from) noexcept {
   return static_cast<std::uint32_t>(from.maximum);
 }

@@ -1,5 +1,6 @@
-// From the engines' values to the interface's structures. Every byte of a structure is written;
-// what an engine does not supply is 0. Texts are cleaned and cut to their fields.
+// Turns the values of engines into the structures of the interface. Every byte of a structure is
+// written; a value that an engine does not supply is 0. Texts are cleaned, and cut to the length of
+// their fields.
 #pragma once
 
 #include <cstddef>

@@ -15,16 +15,16 @@ namespace tal::interface {
 
 // Whether the library was started, and which engines are open under which handles. Different
 // handles may be used by different threads at the same time, one handle by one thread at a time;
-// start() and stop() come first and last. Everything that is not served is thrown as Failure.
+// start() and stop() come first and last. A request that is not served throws Failure.
 class Library {
  public:
-  // The engine that needs no connecting: it is opened by its first use.
+  // The handle of the engine that needs no connection: the first use opens it.
   static constexpr std::int32_t kLocalHandle = -1;
 
   // Throws Failure kNotStarted before start() and after stop().
   void requireStarted() const;
 
-  // Starting twice is starting once.
+  // A second start does nothing.
   void start();
 
   // Closes every engine.
@@ -33,7 +33,7 @@ class Library {
   // Opens the engine that `server` names. A handle is never given twice.
   [[nodiscard]] std::int32_t connect(std::string_view server, const Credentials& credentials);
 
-  // Serves an open engine from now on. Throws what the engine wants returned instead.
+  // Serves an open engine from now on. Throws the status that the engine wants returned instead.
   [[nodiscard]] std::int32_t adopt(std::unique_ptr<Engine> engine);
 
   // The handle is unknown afterwards, whatever status the engine wants returned. Closing the local
@@ -50,10 +50,11 @@ class Library {
   ServedEngine& add(std::int32_t handle, std::unique_ptr<ServedEngine> engine);
   void noteStopStatus(ServedEngine& closing);
 
-  mutable std::mutex mutex_;  // of all that follows; no engine works while it is held
+  mutable std::mutex mutex_;  // of all members below; it is not held while an engine works
   bool started_ = false;
   std::int32_t lastHandle_ = 0;
-  // What TalStop has to return: engines are asked when they close, because none is left by then.
+  // The status that TalStop returns. Engines give it when they close, because none is left when
+  // TalStop returns.
   Status stopStatus_ = Status::kSuccess;
   Engines engines_;
 };

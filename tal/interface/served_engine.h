@@ -1,4 +1,4 @@
-// One open engine as the interface serves it.
+// One open engine with its snapshots.
 #pragma once
 
 #include <cstddef>
@@ -19,8 +19,8 @@ class ServedEngine {
   explicit ServedEngine(std::unique_ptr<Engine> engine) noexcept;
 
   // Comes before each call that is served. Throws Failure when the engine wants another status
-  // returned. A list that is about to be taken anew is forgotten here, so that no failure leaves
-  // an old one behind.
+  // returned. If the call takes a list again, the old list is dropped here, so that a failure
+  // leaves no old list behind.
   ServedEngine& admit(Call call);
 
   [[nodiscard]] Engine& engine() noexcept { return *engine_; }
@@ -30,7 +30,7 @@ class ServedEngine {
   [[nodiscard]] std::size_t takeClients();
   [[nodiscard]] std::size_t takeSqlConnections();
 
-  // Throw Failure kNoSnapshot when there is none.
+  // Throw Failure kNoSnapshot if there is no snapshot.
   [[nodiscard]] FileSnapshot& files();
   [[nodiscard]] ClientSnapshot& clients();
   [[nodiscard]] const std::vector<SqlConnection>& sqlConnections();

@@ -15,8 +15,8 @@ constexpr std::size_t kNameLimit = TAL_NAME_SIZE - 1;
 constexpr std::size_t kSuffixLimit = 11;  // "#4294967295"
 constexpr std::size_t kIdLimit = sizeof(tagTALCLIENTID::text) - 1;
 
-// How often each beginning of a name was completed with a number. Names that share a beginning
-// share its numbers, so that no number is tried twice and each file costs the same.
+// How many numbers each beginning of a name has got. Names that share a beginning share its
+// numbers, so that no number is tried twice and each file costs the same.
 using Copies = std::map<std::string, std::size_t>;
 
 std::string numbered(std::string name, Copies& copies) {
@@ -25,7 +25,7 @@ std::string numbered(std::string name, Copies& copies) {
   return name + '#' + std::to_string(copy);
 }
 
-// The position of `key`; throws `missing` where there is none.
+// The position of `key`; throws `missing` if there is none.
 template <typename Positions>
 std::size_t positionOf(const typename Positions::key_type& key, const Positions& positions,
                        Status missing) {
@@ -70,7 +70,7 @@ ClientSnapshot::ClientSnapshot(std::vector<Client> clients) : clients_(std::move
     fitText(client.id, kIdLimit);
     while (!positions_.try_emplace(keyOf(client), position).second) {
       std::uint16_t& last = assigned[{client.id, client.taskNumber}];
-      // Text and task leave no further number: the look-up finds an earlier client.
+      // No number is left for this text and task: the look-up finds an earlier client.
       if (last == std::numeric_limits<std::uint16_t>::max()) break;
       client.firstNumber = ++last;
     }

@@ -1,8 +1,8 @@
 // The open files and the record-level clients as they were at one moment.
 //
-// Names and identifiers come from a server, which may have chosen them to harm. So they are kept in
-// order, where no choice of keys makes a look-up slow. Callers ask about the entry that they got
-// last, which takes one comparison.
+// Names and identifiers come from a server, which may have chosen them to do harm. So they are kept
+// in sorted order, in which no choice of keys makes a look-up slow. Callers usually ask about the
+// entry that they got last, which takes one comparison.
 #pragma once
 
 #include <cstddef>

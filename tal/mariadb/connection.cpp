@@ -9,7 +9,7 @@
 namespace tal::mariadb {
 namespace {
 
-// The first version whose list of tablespaces names their files.
+// The first version whose list of tablespaces includes the names of the files.
 constexpr std::int64_t kOldestVersion = 100600;
 
 ServerFacts factsOf(Result account) {

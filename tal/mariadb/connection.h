@@ -7,7 +7,7 @@
 
 namespace tal::mariadb {
 
-// What cannot change while the server runs.
+// Facts that cannot change while the server runs.
 struct ServerFacts {
   bool performanceSchema = false;
   bool innodbReadOnly = false;
@@ -16,22 +16,22 @@ struct ServerFacts {
   std::int64_t myisamBlockSize = 0;
 };
 
-// Runs statements on a session that is logged in. The session is read-only, limits its own
-// statements, and belongs to an account that may see all that is reported. Not for use by several
-// threads at once.
+// Runs statements on a session that is logged in. The session is read-only, limits the time of its
+// statements, and belongs to an account that may see everything that is reported. Used by one
+// thread at a time.
 class Connection {
  public:
-  // Makes the session fit for monitoring. Throws Failure: kVersionNotSupported for a server that is
-  // too old or no MariaDB; kPrivilegeMissing, because without PROCESS the server shows one's own
-  // row alone, and would look idle.
+  // Prepares the session for monitoring. Throws Failure: kVersionNotSupported for a server that is
+  // too old or not MariaDB; kPrivilegeMissing if the account lacks PROCESS, because the server
+  // would show only the account's own sessions and look idle.
   explicit Connection(SessionHandle session);
 
-  // Runs a statement. Read its rows before the next one. A server that is silent for
-  // sql::kStatementLimit ends the session, but not while it encrypts: then only the limit of the
-  // whole call holds. Throws Failure.
+  // Runs a statement. Read its rows before you run the next one. If the server is silent for
+  // sql::kStatementLimit, the session ends. With encryption only the limit of the whole call
+  // applies. Throws Failure.
   Result run(const char* statement);
 
-  // The session's number on the server, as its own process list and KILL have it.
+  // The number of the session on the server, as in its process list and in KILL.
   [[nodiscard]] std::int64_t id() const;
   // 101119 for version 10.11.19.
   [[nodiscard]] std::int64_t version() const;

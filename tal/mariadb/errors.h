@@ -5,8 +5,8 @@
 
 namespace tal::mariadb {
 
-// The status for an error number. A server error that explains itself best by its own number is
-// passed through; a number that the table does not know is kServerError.
+// The status for an error number. Some errors of the server are clearest by their own numbers,
+// which are passed through. A number that the table does not know is kServerError.
 [[nodiscard]] Status statusOf(unsigned int error);
 
 }  // namespace tal::mariadb

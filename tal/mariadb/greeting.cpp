@@ -13,7 +13,7 @@
 namespace tal::mariadb {
 namespace {
 
-// A packet is its length in three bytes, its number, and what it says.
+// A packet has its length in three bytes, its number, and its content.
 constexpr std::size_t kHeader = 4;
 constexpr std::size_t kLongest = 1024;
 
@@ -53,7 +53,7 @@ Greeting greetingIn(std::string_view bytes) noexcept {
 }
 
 Greeting awaitGreeting(int socket, const sql::Deadline& deadline) {
-  constexpr std::chrono::milliseconds kPause{5};  // what is left unread does not wake anybody
+  constexpr std::chrono::milliseconds kPause{5};  // unread bytes end every poll() at once
   std::array<char, kLongest> bytes{};
   for (;;) {
     const short ready = sql::waitForSocket(socket, POLLIN | POLLRDHUP, deadline);

@@ -1,5 +1,6 @@
 // The first words of a server, read before the client library answers them. The library answers
-// every greeting, and says who logs in even when the encryption that it was told to use is missing.
+// every greeting, and sends the user name even if the server lacks the encryption that the library
+// was told to use.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +13,12 @@ namespace tal::mariadb {
 enum class Greeting : std::uint8_t {
   kIncomplete,
   kForeign,  // of another protocol
-  kRefusal,  // the server admits nobody, and says why
+  kRefusal,  // the server refuses the connection and gives a reason
   kPlain,    // offers no encryption
   kOffersEncryption,
 };
 
-// What the bytes that a server has sent so far are.
+// Classifies the bytes that a server has sent so far.
 Greeting greetingIn(std::string_view bytes) noexcept;
 
 // Waits for the greeting on a connected socket and leaves it there to be read. A peer that hangs up

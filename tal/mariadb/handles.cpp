@@ -9,8 +9,8 @@
 namespace tal::mariadb {
 namespace {
 
-// Which engine keeps a table, as its files and locks show. Something without files may be a table
-// in memory, a view, or no table at all.
+// Which storage engine keeps a table, as its files and locks show. A thing without files may be a
+// table in memory, a view, or not a table.
 enum class Storage : std::uint8_t { kInnodb, kOther, kUnknown };
 
 Storage storageOf(const Use& use, const TableFiles& files) {
@@ -94,7 +94,8 @@ Handle handleOf(const Use& use, bool locksAllItsTables, const TableFiles& files)
           .transactionState = transactionStateOf(use, storage)};
 }
 
-// Where rows are at issue. A tablespace that is not among the files leaves its table's.
+// The files in which rows are locked or awaited. If the files of a tablespace are not known, the
+// files of the table are taken.
 std::vector<Handle> handlesOnRows(const Use& use, const Handle& handle, const TableFiles& files) {
   std::vector<Handle> handles;
   for (const auto& [space, waits] : use.rowSpaces) {
@@ -120,7 +121,7 @@ std::vector<Handle> handlesOfUse(const Use& use, bool locksAllItsTables, const T
 
 constexpr std::uint8_t flagOf(bool value) { return value ? flag::kYes : flag::kNo; }
 
-// Only InnoDB has data that the server itself may not write. Other files are there to be written.
+// Only InnoDB has data that the server itself may not write. Other files can always be written.
 OpenFile reportedFile(const DataFile& file, const ServerFacts& facts) {
   OpenFile result;
   result.name = file.path;

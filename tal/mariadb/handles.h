@@ -1,4 +1,5 @@
-// The handles that the reports show, made of who uses what and where the data of tables is.
+// The handles that the reports show. They are made from the uses of tables and from the places of
+// their data.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +12,7 @@
 
 namespace tal::mariadb {
 
-// One connection's handle on one file, or on something that has none.
+// The handle of one connection on one file, or on something without a file.
 struct Handle {
   const Use* use = nullptr;
   std::optional<std::size_t> file;  // index into the files
@@ -21,18 +22,19 @@ struct Handle {
   std::uint16_t transactionState = transaction_state::kNone;
 };
 
-// The handles in the order of the picture, into which they point. A use of a table stands on the
-// files where InnoDB says that it locks or awaits rows, otherwise on all files of the table, of a
-// partitioned one on those of its first partition: which ones it uses is not known.
+// The handles in the order of the picture, into which they point. If InnoDB says in which files a
+// use of a table locks or awaits rows, it has handles on these files. Otherwise it has handles on
+// all files of the table. If the table is partitioned, they are on the files of its first
+// partition, because the partitions in use are not known.
 std::vector<Handle> handlesOf(const LockPicture& picture, const TableFiles& files);
 
-// Every file of the report with its handles, in the order of `files`, and behind them what is
-// locked and has no file.
+// Every file of the report with its handles, in the order of `files`. After them come the locked
+// things without a file.
 std::vector<OpenFile> openFilesOf(const std::vector<DataFile>& files,
                                   const std::vector<Handle>& handles, const ServerFacts& facts);
 
-// Adds each handle to the client that owns it; those of connections that are not listed are left
-// out.
+// Adds each handle to the client that owns it. Leaves out the handles of connections that are not
+// listed.
 void addHandles(std::vector<Client>& clients, const std::vector<Handle>& handles,
                 const TableFiles& files);
 

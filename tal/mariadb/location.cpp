@@ -17,7 +17,7 @@ std::string checkedSocketPath(std::string_view path) {
   return std::string(path);
 }
 
-// What server names of other programs have, and this one has elsewhere.
+// Parts that server names have in other programs. Here they stand in other settings.
 void refuseForeignParts(std::string_view text) {
   if (text.find('@') != text.npos) {
     throw sql::ExplainedFailure(Status::kBadServerName, sql::message("USER_IN_NAME"));

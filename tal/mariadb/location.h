@@ -1,4 +1,4 @@
-// Where a MariaDB server is to be found.
+// The place of a MariaDB server.
 #pragma once
 
 #include <cstdint>
@@ -12,8 +12,8 @@ namespace tal::mariadb {
 inline constexpr std::uint16_t kDefaultPort = 3306;
 
 struct Location {
-  std::string socketPath;  // of a server on this machine; empty when it is reached by TCP
-  sql::Address address;    // used when there is no socket path
+  std::string socketPath;  // of a server on this machine; empty for TCP
+  sql::Address address;    // used if there is no socket path
 
   [[nodiscard]] bool isSocket() const { return !socketPath.empty(); }
 };

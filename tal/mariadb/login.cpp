@@ -45,8 +45,8 @@ SessionHandle login(const Location& location, const Credentials& credentials,
   std::vector<std::string> hosts = sql::resolveHost(location.address.host, deadline);
   const bool isLocal = std::ranges::all_of(hosts, &sql::isLoopback);
   const Encryption used = isLocal ? encryption : encryption.forNetwork();
-  // Numeric addresses, because the library's DNS look-up has no timeout. Exception: certificate
-  // checks need the name.
+  // Pass numeric addresses, because the DNS look-up of the library has no timeout. Exception:
+  // certificate checks need the name.
   if (used.verified) hosts = {location.address.host};
   return sql::firstReachable(
       hosts, deadline, [&](const std::string& host, const sql::Deadline& share) {

@@ -1,4 +1,4 @@
-// From a location to a session on the server.
+// Makes a session on the server at a location.
 #pragma once
 
 #include "tal/credentials.h"
@@ -10,15 +10,15 @@
 
 namespace tal::mariadb {
 
-// Prepares the client library, once for the process; login() does so too. The library ignores
-// SIGPIPE for the whole process, so the program's own handling is put back. Variables that make the
-// library load code of anybody's choice are removed from the environment.
+// Prepares the client library once for the process; login() does so too. The library makes the
+// whole process ignore SIGPIPE, so the program's own handling is restored. Environment variables
+// that can make the library load foreign code are removed.
 void initialiseClientLibrary();
 
-// Logs in by `credentials` as they are; `cutter` watches the socket. A host with several addresses
-// is tried at each, with an equal share of the time. Encryption that is wanted is required before
-// anything is said, and to another machine it is wanted unless `encryption` refuses it. Throws
-// Failure with the reason, kNoAnswer when `deadline` passes.
+// Logs in with exactly these `credentials`; `cutter` watches the socket. If a host has several
+// addresses, each is tried with an equal share of the time. If encryption is wanted, nothing is
+// sent without it. To another machine it is wanted unless `encryption` refuses it. Throws Failure
+// with the reason, and kNoAnswer when `deadline` passes.
 SessionHandle login(const Location& location, const Credentials& credentials,
                     const Encryption& encryption, sql::SocketCutter& cutter,
                     const sql::Deadline& deadline);

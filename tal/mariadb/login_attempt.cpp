@@ -21,10 +21,10 @@
 namespace tal::mariadb {
 namespace {
 
-// Of the stack on which the client library suspends a login; its default is a quarter.
+// The size of the stack on which the client library suspends a login, four times its default.
 constexpr std::size_t kLoginStack = 256UL * 1024;
 
-// The longest row of any statement, several times over. The library takes packets of a gigabyte.
+// Several times the longest row of any statement. The default of the library is a gigabyte.
 constexpr std::size_t kLongestPacket = 64UL * 1024;
 
 void setOption(MYSQL* session, mysql_option option, const void* value) {
@@ -57,8 +57,8 @@ void setEncryption(MYSQL* session, const Encryption& encryption) {
 }
 
 // The ways to log in that the server may ask for. The first two never reveal the password. The
-// others can, so they are allowed only when the server's certificate is verified. None of them
-// talks to the user on the terminal.
+// others can, so they are allowed only when the server's certificate is verified. None of them asks
+// the user on the terminal.
 void restrictLogin(MYSQL* session, const Encryption& encryption) {
   setOption(session, MYSQL_PLUGIN_DIR, TAL_MARIADB_PLUGIN_FOLDER);
   setOption(session, MARIADB_OPT_RESTRICTED_AUTH,
@@ -74,7 +74,7 @@ SessionHandle prepare(const Target& target, const sql::Deadline& deadline) {
   const unsigned int protocol =
       target.location.isSocket() ? MYSQL_PROTOCOL_SOCKET : MYSQL_PROTOCOL_TCP;
   const my_bool off = 0;
-  const unsigned int noLocalFiles = 0;  // the server could ask for any file of this machine
+  const unsigned int noLocalFiles = 0;  // the server could request any file of this machine
   setLimits(session.get(), deadline);
   setOption(session.get(), MYSQL_OPT_PROTOCOL, &protocol);
   setOption(session.get(), MYSQL_OPT_RECONNECT, &off);
@@ -113,7 +113,7 @@ void checkGreeting(const Target& target, int socket, const sql::Deadline& deadli
   }
 }
 
-// Waits for what a suspended login wants, and returns what it is resumed with.
+// Waits for the events that a suspended login needs, and returns those that came.
 int awaitEvents(MYSQL* session, int wanted, const sql::Deadline& deadline) {
   const bool reads = (wanted & MYSQL_WAIT_READ) != 0;
   const bool writes = (wanted & MYSQL_WAIT_WRITE) != 0;
@@ -123,8 +123,8 @@ int awaitEvents(MYSQL* session, int wanted, const sql::Deadline& deadline) {
          ((ready & POLLOUT) != 0 ? MYSQL_WAIT_WRITE : 0);
 }
 
-// A login that is under way. The library suspends it wherever it would wait, so that the greeting
-// can be looked at, and the deadline kept.
+// A login in progress. The library suspends it wherever it would wait, so that the greeting can be
+// checked and the deadline kept.
 class SuspendedLogin {
  public:
   // `host` is null for a socket.
@@ -138,8 +138,8 @@ class SuspendedLogin {
   SuspendedLogin(const SuspendedLogin&) = delete;
   SuspendedLogin& operator=(const SuspendedLogin&) = delete;
 
-  // Told that its time is over, the library ends the login and frees what it holds. An encrypted
-  // one does not listen to that, but to the loss of its socket.
+  // When the library hears that the time is over, it ends the login and frees its memory. An
+  // encrypted login ignores this and ends only when its socket is shut down.
   ~SuspendedLogin() {
     if (wanted_ != 0) ::shutdown(mysql_get_socket(session_), SHUT_RDWR);
     while (wanted_ != 0) resume(MYSQL_WAIT_TIMEOUT);
@@ -203,7 +203,7 @@ SessionHandle tryLogin(const Target& target, const char* host, const sql::Deadli
   SessionHandle session = prepare(target, deadline);
   const bool loggedIn = SuspendedLogin(session.get(), target, host).finish(deadline);
   if (!loggedIn) failLogin(session.get(), target, deadline);
-  // Only through a socket, where nobody stands between, is this found out so late.
+  // This is found so late only through a local socket, where nobody can listen.
   if (target.encryption.wanted && mysql_get_ssl_cipher(session.get()) == nullptr) {
     failAt(target, Status::kTlsFailed, sql::message("NO_ENCRYPTION"));
   }

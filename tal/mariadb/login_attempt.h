@@ -10,7 +10,7 @@
 
 namespace tal::mariadb {
 
-// Where to log in, as whom, and how.
+// The place, the account and the encryption of a login.
 struct Target {
   const Location& location;
   const Credentials& credentials;
@@ -19,9 +19,9 @@ struct Target {
 };
 
 // Logs in at `host`, which is null for a socket; the cutter watches the socket. Over TCP the
-// greeting is read before anything is said: what speaks another protocol, and a server that does
-// not offer the encryption that is wanted, learn nothing. Throws Failure with the reason, kNoAnswer
-// when `deadline` passes.
+// greeting is read before anything is sent. So a peer with another protocol, or a server without
+// the encryption that is wanted, gets no data. Throws Failure with the reason, and kNoAnswer when
+// `deadline` passes.
 SessionHandle tryLogin(const Target& target, const char* host, const sql::Deadline& deadline);
 
 }  // namespace tal::mariadb

@@ -42,7 +42,7 @@ bool isOn(std::string value) {
   return value != "0" && value != "off" && value != "false";
 }
 
-// Nothing for a switch that is not mentioned.
+// Nothing if the switch is absent.
 std::optional<bool> switchOf(const Options& options, std::string_view name) {
   const auto option = options.find(name);
   return option == options.end() ? std::nullopt : std::optional(isOn(option->second));

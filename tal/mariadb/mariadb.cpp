@@ -105,7 +105,7 @@ Credentials completed(Credentials credentials, const Options& options) {
   return credentials;
 }
 
-// Somebody who looks at an empty report is told why it may be so.
+// The line explains why a report may be empty.
 void tellWhatIsMissing(const ServerFacts& facts) {
   if (!facts.performanceSchema && ::isatty(STDERR_FILENO) == 1) {
     sql::tell(sql::message("NO_PERFORMANCE_SCHEMA"));

@@ -10,11 +10,11 @@
 namespace tal::mariadb {
 
 // Logs in to the server at `location`, which is what follows "mariadb://" in the server name (see
-// location.h), and checks that the account may see all that the engine reports. Throws Failure:
-// kBadServerName, kVersionNotSupported, or why the login failed.
+// location.h), and checks that the account may see everything that the engine reports. Throws
+// Failure: kBadServerName, kVersionNotSupported, or the reason why the login failed.
 //
-// What sql::openBounded() promises holds for the engine. No call takes longer than sql::kCallLimit,
-// and a lost session is not opened again.
+// The promises of sql::openBounded() hold for the engine. No call takes longer than
+// sql::kCallLimit, and a lost session is not opened again.
 std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials);
 
 }  // namespace tal::mariadb

@@ -1,5 +1,5 @@
-// Figures that a statement gives as rows of a name and a number, and the two gauges that several
-// sections make of them.
+// Figures that a statement returns as rows of a name and a number, and two gauges that several
+// sections use.
 #pragma once
 
 #include <algorithm>
@@ -28,8 +28,8 @@ class NamedValues {
     return value == values_.end() ? 0 : value->second;
   }
 
-  // Throws Failure(kServerError) when the answer lacks a figure that every server has: an answer
-  // without rows must not look like an idle server.
+  // Throws Failure(kServerError) if the answer lacks a figure that every server has, because an
+  // answer without rows must not look like an idle server.
   [[nodiscard]] std::int64_t needed(std::string_view name) const {
     const auto value = values_.find(name);
     if (value == values_.end()) throw Failure(Status::kServerError);

@@ -65,7 +65,7 @@ std::string_view withoutQuotes(std::string_view value) {
   return quoted ? value.substr(1, value.size() - 2) : value;
 }
 
-// What "\" and this character stand for, if they stand for another one.
+// The character that "\" and this character stand for, if any.
 std::optional<char> escaped(char character) {
   constexpr std::string_view kWritten = "btnrs\\\"'";
   constexpr std::string_view kMeant = "\b\t\n\r \\\"'";
@@ -98,14 +98,14 @@ Option optionIn(std::string_view line) {
   return {std::move(name), withoutEscapes(withoutQuotes(withoutComment(value)))};
 }
 
-// Of a line that begins with "["; "" when it opens no group.
+// The group that a line with "[" at its start opens; "" if it opens none.
 std::string_view groupOpenedBy(std::string_view line) {
   const std::size_t close = line.find(']');
   if (close == std::string_view::npos) return {};
   return trimmed(line.substr(1, close - 1));
 }
 
-// What can be trusted of a file: nothing of one that somebody else owns or may write.
+// How far a file can be trusted: not at all if somebody else owns it or may write it.
 struct File {
   std::string text;
   bool isReadByOthers = false;
@@ -118,7 +118,7 @@ bool isTrusted(const struct stat& status) {
 }
 
 std::optional<File> trustedFile(const fs::path& path) {
-  constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;  // whatever the file is
+  constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;  // safe for any kind of file
   const int descriptor = ::open(path.c_str(), kFlags);
   struct stat status {};
   if (descriptor < 0 || ::fstat(descriptor, &status) != 0 || !isTrusted(status)) {
@@ -152,13 +152,13 @@ std::vector<fs::path> includedBy(std::string_view line) {
   return {};
 }
 
-// Takes the lines of one file, and keeps whether they are in the group asked for.
+// Takes the lines of one file, and remembers whether they are in the wanted group.
 class LineReader {
  public:
   LineReader(std::string_view group, Options& options, bool isReadByOthers)
       : group_(group), options_(options), isReadByOthers_(isReadByOthers) {}
 
-  // False for a password that is not taken because everybody can read it.
+  // False for a password that is not used because everybody can read it.
   bool take(std::string_view line) {
     if (line.empty() || line.front() == '#' || line.front() == ';') return true;
     if (line.front() == '[') {
@@ -181,7 +181,7 @@ class LineReader {
   bool inGroup_ = false;
 };
 
-// Reads a file with what it includes.
+// Reads a file and the files that it includes.
 class FileReader {
  public:
   FileReader(std::string_view group, Options& options) : group_(group), options_(options) {}

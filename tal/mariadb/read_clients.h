@@ -8,7 +8,7 @@
 
 namespace tal::mariadb {
 
-// Reads clients.sql; sorted by the connections' numbers, and without handles.
+// Reads clients.sql. The clients are sorted by connection number and have no handles yet.
 std::vector<Client> readClients(sql::RowSource& rows);
 
 }  // namespace tal::mariadb

@@ -10,7 +10,7 @@ Communication CommunicationReader::read(sql::RowSource& rows, bool networking) {
   result.requests = sql::clampUnsigned(values.needed("QUESTIONS"));
   result.remoteSessions = tcpSessions_.sample(values["x_tcp_sessions"], values["MAX_CONNECTIONS"]);
   result.threads = hasThreadPool(values) ? poolThreads(values, poolThreads_) : connections(values);
-  // The server counts every connection that ended without a good-bye; time-outs are among them.
+  // The server counts every connection that ended without a formal close, including time-outs.
   result.timeouts = sql::clampUnsigned(values["ABORTED_CLIENTS"]);
   if (networking) {
     result.protocols.push_back({.code = kTcpIpProtocol,

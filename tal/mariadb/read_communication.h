@@ -7,7 +7,7 @@
 
 namespace tal::mariadb {
 
-// Reads the figures of communication.sql, and keeps the peaks that the server does not.
+// Reads the figures of communication.sql, and keeps the peaks that the server does not keep.
 class CommunicationReader {
  public:
   // `networking`: whether the server listens to TCP; without it there is no protocol to report.

@@ -44,7 +44,7 @@ void addTablespace(DataFile& file, const sql::RowSource& row) {
   if (file.path.ends_with(".ibd")) file.table = tableOf(row);
 }
 
-// A table, or its partition, has files of one name and several extensions.
+// A table or partition has several files with the same name and different extensions.
 std::string_view partOf(std::string_view path) { return path.substr(0, path.rfind('.')); }
 
 }  // namespace

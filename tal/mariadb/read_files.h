@@ -1,4 +1,4 @@
-// The open files of the server, and which table each belongs to.
+// The open files of the server, and the table of each.
 #pragma once
 
 #include <compare>
@@ -24,25 +24,25 @@ struct TableName {
 
 struct DataFile {
   std::string path;
-  std::optional<TableName> table;  // none for logs and the like
+  std::optional<TableName> table;  // absent for logs and similar files
   bool isInnodb = false;
   std::optional<std::int64_t> space;  // of InnoDB files that hold data
-  std::int64_t pageSize = 0;          // 0 where there are no pages
-  std::int64_t bytes = 0;             // 0 where the server does not say
+  std::int64_t pageSize = 0;          // 0 if there are no pages
+  std::int64_t bytes = 0;             // 0 if the server does not say
 };
 
-// Reads files.sql. A file that both parts of the statement list is one file here. The files keep
+// Reads files.sql. A file that is in both parts of the statement is one file here. The files keep
 // the order in which they came.
 std::vector<DataFile> readFiles(sql::RowSource& rows, const ServerFacts& facts);
 
-// Where the data of a table is, and whose the data in a tablespace.
+// The files of each table, and the table of each tablespace.
 class TableFiles {
  public:
   // `files` must outlive this object, and not move.
   explicit TableFiles(const std::vector<DataFile>& files);
 
-  // Indexes into the files: none for a table in memory, a view, or a table inside the system
-  // tablespace. Of a partitioned table, the files of the partition that is the first by its name.
+  // Indexes into the files. Empty for a table in memory, a view, or a table inside the system
+  // tablespace. For a partitioned table, the files of the partition whose name sorts first.
   [[nodiscard]] const std::vector<std::size_t>& of(const TableName& table) const;
 
   [[nodiscard]] std::optional<std::size_t> ofSpace(std::int64_t space) const;

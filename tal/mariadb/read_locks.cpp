@@ -65,7 +65,8 @@ std::string lowerCase(std::string text) {
   return text;
 }
 
-// Takes a name in backquotes, doubled ones inside it, and what stands before it, from `text`.
+// Removes from `text` a name in backquotes, in which they are doubled, and everything before it.
+// Returns the name.
 std::string takeQuoted(std::string_view& text) {
   std::string name;
   text.remove_prefix(std::min(text.find('`'), text.size()));
@@ -101,7 +102,7 @@ std::string describe(const std::string& kind, const TableName& object) {
   return lowerCase(kind) + (name.empty() ? "" : " " + name);
 }
 
-// What a connection in this state waits for; empty when it waits for no lock.
+// The target that a connection in this state waits for; empty if it waits for no lock.
 std::string awaitedIn(std::string_view state) {
   constexpr std::string_view kWaiting = "Waiting for ";
   constexpr std::string_view kMetadataLock = "metadata lock";
@@ -182,7 +183,7 @@ class PictureMaker {
     const bool granted = sql::integer(row, kGranted) != 0;
     const bool onRow = sql::text(row, kKind) == "RECORD";
     lock.isInnodb = true;
-    // Who waits for a row has the table open.
+    // A connection that waits for a row has the table open.
     raise(granted || onRow ? lock.granted : lock.pending, strengthOfMode(sql::text(row, kMode)));
     if (!granted) isWaiting_.insert(connection);
     if (!onRow) return;
@@ -211,7 +212,7 @@ class PictureMaker {
     return other(describe(kind, object));
   }
 
-  // What the lists of processes and transactions add to the locks.
+  // The facts that the lists of processes and transactions add to the locks.
   void addFromLists(const LockOwner& owner) {
     const bool isKnown = picture_.isComplete || hasUse(owner.connection);
     const std::string awaited = awaitedIn(owner.state);
@@ -222,8 +223,8 @@ class PictureMaker {
     }
   }
 
-  // A lock of an engine on its whole table is the one wait that metadata locks do not show, though
-  // they show the table.
+  // A lock of a storage engine on a whole table is the only wait that metadata locks do not show,
+  // although they show the table.
   void addWait(const LockOwner& owner, const std::string& awaited) {
     if (picture_.isComplete && awaited == "table level lock") return;
     const LockTarget target = other(awaited);
@@ -248,7 +249,7 @@ class PictureMaker {
   std::int64_t own_;
   LockPicture picture_;
   std::map<Key, Use> uses_;
-  std::map<std::int64_t, std::string> transactions_;  // their names, by connection
+  std::map<std::int64_t, std::string> transactions_;  // names by connection
   std::set<LockTarget> isAwaited_;                    // and therefore shown
   std::set<std::int64_t> isWaiting_;                  // for something that is known
   bool isReadLocked_ = false;

@@ -1,4 +1,4 @@
-// Who holds or awaits what: the server's locks, merged to one use for each connection and thing.
+// The locks of the server, held and awaited, merged to one use for each connection and target.
 #pragma once
 
 #include <compare>
@@ -17,13 +17,13 @@ namespace tal::mariadb {
 // What a lock allows its owner, weakest first.
 enum class Strength : std::uint8_t { kRead, kWrite, kExclusive };
 
-// The strength of a metadata lock's type; one that the table does not know allows writing.
+// The strength of a metadata lock's type; a type that the table does not know allows writing.
 Strength strengthOf(std::string_view lockType);
 
 // An InnoDB transaction.
 struct Transaction {
   std::int64_t tablesLocked = 0;
-  std::int64_t rowsLocked = 0;  // the server's estimate; fresh rows are not counted
+  std::int64_t rowsLocked = 0;  // an estimate of the server, without rows that were just inserted
   std::int64_t rowsModified = 0;
 };
 
@@ -40,12 +40,12 @@ struct LockTarget {
   enum class Kind : std::uint8_t { kTable, kTransaction, kOther };
 
   Kind kind = Kind::kTable;
-  TableName table;  // of what is no table, the second part alone, in the words of the reports
+  TableName table;  // for other things only the second part, in the words of the reports
 
   // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the 0 that is compared with for a null.
   auto operator<=>(const LockTarget&) const = default;
 
-  // "schema.table", or what else it is.
+  // "schema.table", or the words for another thing.
   [[nodiscard]] std::string name() const;
 };
 
@@ -57,11 +57,11 @@ struct Use {
   std::optional<Strength> pending;
   // The tablespaces where it owns contended row locks, and whether it waits for one there.
   std::map<std::int64_t, bool> rowSpaces;
-  bool isInnodb = false;  // known without looking at files
+  bool isInnodb = false;  // known without reading the list of files
 };
 
 struct LockPicture {
-  // Whether the server lists metadata locks at all; when it does, the monitor's own are there.
+  // Whether the server lists metadata locks. If it does, the monitor's own locks are in the list.
   bool isComplete = false;
   std::map<std::int64_t, LockOwner> owners;  // by connection
   std::vector<Use> uses;                     // by connection and target; they point into the owners
@@ -69,12 +69,12 @@ struct LockPicture {
 
 // Reads locks.sql; `ownConnection` is the monitor's, which is left out. The picture has
 //
-// - all tables that metadata locks are on, and all that InnoDB locks at issue are on,
+// - all tables with metadata locks, and all tables with InnoDB locks that somebody waits for,
 // - locks that users named ("user lock NAME"),
-// - other things than tables while somebody waits for them ("backup lock", "schema app"),
-// - what the process list alone says that somebody waits for ("metadata lock", "table flush"),
-// - where the server lists no metadata locks, "transaction N" for a transaction whose tables are
-//   not known.
+// - things that are not tables, while somebody waits for them ("backup lock", "schema app"),
+// - waits that only the process list shows ("metadata lock", "table flush"),
+// - "transaction N" for a transaction whose tables are not known, if the server lists no metadata
+//   locks.
 LockPicture readLocks(sql::RowSource& rows, std::int64_t ownConnection);
 
 }  // namespace tal::mariadb

@@ -15,8 +15,8 @@ std::uint16_t statusOf(const std::string& command) {
   return command == "Sleep" ? connection_status::kIdle : connection_status::kActive;
 }
 
-// The server has no time of connecting; what it has measured since then adds up to it. 0 where it
-// does not measure.
+// The server does not keep the time of a connect. The times that it has measured since then add up
+// to the whole. 0 if it does not measure.
 std::uint32_t totalSeconds(const ConnectionFacts& facts) {
   if (!facts.thread.pastMicroseconds) return 0;
   constexpr double kLongest = 4294967295.0;

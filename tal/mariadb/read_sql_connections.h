@@ -1,4 +1,4 @@
-// SQL connections: every client connection, with what it does and since when.
+// SQL connections: every client connection, its state, and the time since it has been in it.
 #pragma once
 
 #include <vector>
@@ -8,7 +8,7 @@
 
 namespace tal::mariadb {
 
-// Reads sql_connections.sql; sorted by the connections' numbers.
+// Reads sql_connections.sql. The result is sorted by connection number.
 std::vector<SqlConnection> readSqlConnections(sql::RowSource& rows);
 
 }  // namespace tal::mariadb

@@ -7,7 +7,7 @@
 
 namespace tal::mariadb {
 
-// Reads the figures of usage.sql, and keeps the peaks that the server does not.
+// Reads the figures of usage.sql, and keeps the peaks that the server does not keep.
 class UsageReader {
  public:
   Usage read(sql::RowSource& rows);

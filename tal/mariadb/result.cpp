@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kLongestWords = 500;
 
-// The server names the missing privilege, and what for.
+// The text of the server names the missing privilege and its purpose.
 [[noreturn]] void failForPrivilege(MYSQL* session) {
   std::string words = mysql_error(session);
   fitText(words, kLongestWords);
@@ -29,7 +29,7 @@ constexpr std::size_t kLongestWords = 500;
 void failAsSaid(MYSQL* session, const sql::Deadline& deadline) {
   const Status status = statusOf(mysql_errno(session));
   if (status == Status::kPrivilegeMissing) failForPrivilege(session);
-  // An encrypted session that ends is a failure of its encryption to the client library.
+  // The client library reports the end of an encrypted session as a failure of the encryption.
   const bool lost = status == Status::kConnectionLost || status == Status::kTlsFailed;
   if (lost && deadline.passed()) throw Failure(Status::kNoAnswer);
   throw Failure(lost ? Status::kConnectionLost : status);

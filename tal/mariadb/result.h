@@ -1,4 +1,4 @@
-// What the client library hands out, and its owners.
+// Owners for the objects of the client library.
 #pragma once
 
 #include <mysql.h>
@@ -19,17 +19,16 @@ struct CloseSession {
 };
 using SessionHandle = std::unique_ptr<MYSQL, CloseSession>;
 
-// Throws the Failure for what the client library says has gone wrong; kNoAnswer instead of
-// kConnectionLost when `deadline` has passed.
+// Throws the Failure for the error that the client library reports. It is kNoAnswer instead of
+// kConnectionLost if `deadline` has passed.
 [[noreturn]] void failAsSaid(MYSQL* session, const sql::Deadline& deadline);
 
-// The rows of a statement, read from the session one by one. next() throws Failure: as
-// failAsSaid(), and kAnswerTooLarge for an answer above sql::kMostRows or sql::kMostBytes. A result
-// that is destroyed before its last row cuts the session's socket, because the rest could be
-// endless.
+// The rows of a statement, read from the session one by one. next() throws Failure as failAsSaid()
+// does, and kAnswerTooLarge for an answer above sql::kMostRows or sql::kMostBytes. A result that is
+// destroyed before its last row cuts the session's socket, because the rest could be endless.
 class Result final : public sql::RowSource {
  public:
-  // `rows` may be null: a statement that gives no rows. `session` must outlive this object.
+  // `rows` is null for a statement that returns no rows. `session` must outlive this object.
   Result(MYSQL* session, MYSQL_RES* rows, const sql::Deadline& deadline);
   ~Result() override;
 

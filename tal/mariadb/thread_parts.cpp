@@ -57,7 +57,7 @@ ConnectionFacts connectionOf(const sql::RowSource& row) {
   return result;
 }
 
-// The value at `key`; a default one where there is none.
+// The value at `key`, or a default value.
 template <typename Value>
 Value valueAt(const std::map<std::int64_t, Value>& values, std::int64_t key) {
   const auto found = values.find(key);

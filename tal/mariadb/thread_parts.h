@@ -12,24 +12,25 @@
 
 namespace tal::mariadb {
 
-// The host of "host:port" as the server's process list has it: a resolved name or an address, the
+// The host of "host:port" as in the server's process list: a resolved name or an address, and the
 // port after the last colon. A connection by socket has no port.
 std::string_view hostOf(std::string_view hostAndPort);
 
-// What the server knows of a connection's other end.
+// What the server knows about the client's end of a connection.
 struct Peer {
   std::string hostAndPort;
   std::optional<std::string> ip;  // empty for a socket; not known without the performance schema
 
-  // The address; the word "Socket" for a socket. Where it is not known, the host.
+  // The address; the word "Socket" for a socket. If the address is not known, the host.
   [[nodiscard]] std::string address() const;
 
-  // A code of tal::site: what comes by TCP is remote, from whatever machine, and counts as a remote
-  // session of the communication statistics.
+  // A code of tal::site: every TCP connection is remote, even from the same machine, and counts as
+  // a remote session in the communication statistics.
   [[nodiscard]] std::int32_t site() const;
 };
 
-// What is measured of the thread that serves a connection: nothing without the performance schema.
+// Measurements of the thread that serves a connection; there are none without the performance
+// schema.
 struct ThreadFacts {
   std::optional<std::string> ip;
   std::int64_t recordsDeleted = 0;
@@ -37,11 +38,12 @@ struct ThreadFacts {
   std::int64_t recordsInserted = 0;
   std::int64_t recordsRead = 0;
   std::int64_t fileOperations = 0;
-  // All that it has done and waited for before its present command; none if it is not measured.
+  // The time that it has worked and waited before its present command; absent if it is not
+  // measured.
   std::optional<double> pastMicroseconds;
 };
 
-// What a client says of itself when it connects.
+// What a client says about itself when it connects.
 struct ClientWords {
   std::string program;
   std::string library;
@@ -60,8 +62,8 @@ struct ConnectionFacts {
   std::optional<std::int64_t> rowsLocked;  // of its transaction, if it is in one
 };
 
-// Reads all rows; the connections are sorted by their numbers. What is said of connections and
-// threads that no row lists is left out.
+// Reads all rows; the connections are sorted by their numbers. Facts about connections and threads
+// that no row lists are left out.
 std::vector<ConnectionFacts> joinParts(sql::RowSource& rows);
 
 }  // namespace tal::mariadb

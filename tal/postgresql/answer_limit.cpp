@@ -14,7 +14,7 @@
 namespace tal::postgresql {
 namespace {
 
-// In the life of the connection; nothing for a socket that is not TCP.
+// The bytes that the connection has received in all; nothing for a socket that is not TCP.
 std::optional<std::uint64_t> receivedBytes(const PGconn* connection) {
   tcp_info information{};
   socklen_t size = sizeof information;

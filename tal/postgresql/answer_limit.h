@@ -1,4 +1,4 @@
-// A bound on what one answer may take up in memory.
+// A limit on the memory that one answer may take.
 #pragma once
 
 #include <libpq-fe.h>
@@ -7,15 +7,16 @@
 
 namespace tal::postgresql {
 
-// Counts what arrives for one answer, with its notices, from its making on.
+// Counts the bytes that arrive for one answer and its notices, from the construction of this object
+// on.
 class AnswerLimit {
  public:
   // The connection must outlive the limit.
   explicit AnswerLimit(const PGconn* connection);
 
-  // To be called before each read: throws Failure(kAnswerTooLarge) when more has arrived than
-  // sql::kMostBytes. A socket of this machine shows only what waits to be read, so that what
-  // arrives during a read is not counted there.
+  // Call it before each read. Throws Failure(kAnswerTooLarge) if more than sql::kMostBytes have
+  // arrived. A local socket shows only bytes that wait to be read, so bytes that arrive during a
+  // read are not counted there.
   void check();
 
  private:

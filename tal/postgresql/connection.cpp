@@ -22,7 +22,7 @@ bool isCopy(const PGresult* result) {
   return status == PGRES_COPY_IN || status == PGRES_COPY_OUT || status == PGRES_COPY_BOTH;
 }
 
-// An answer of other columns, or of too many rows, is not decoded at all.
+// An answer with other columns or too many rows is not decoded.
 void checkShape(const PGresult* result, const Statement& statement) {
   if (static_cast<std::size_t>(PQnfields(result)) != statement.columns) {
     throw Failure(Status::kServerError);
@@ -38,7 +38,7 @@ Connection::Connection(ConnectionHandle session)
     : session_(std::move(session)),
       serverVersion_(PQserverVersion(session_.get())),
       user_(PQuser(session_.get())) {
-  // A server that no longer reads must not hold up the sending either.
+  // A server that no longer reads must not block the sending.
   PQsetnonblocking(session_.get(), 1);
 }
 
@@ -51,7 +51,7 @@ Result Connection::run(const Statement& statement, const sql::Deadline& deadline
     checkShape(result.get(), statement);
     return Result(std::move(result));
   } catch (const Failure& failure) {
-    // What is left of an answer would be taken for the next one.
+    // The rest of an answer would be taken for the next answer.
     const bool isAnswered = PQtransactionStatus(session_.get()) == PQTRANS_IDLE;
     if (!isAnswered || failure.status() == Status::kConnectionLost) session_.reset();
     throw;
@@ -71,7 +71,7 @@ ResultHandle Connection::execute(const Statement& statement, const sql::Deadline
   return collect(sent == 1, deadline);
 }
 
-// The first error is the server's own; those that follow it tell only that the session is gone.
+// The first error is the server's own; those that follow it say only that the session is gone.
 ResultHandle Connection::collect(bool sent, const sql::Deadline& deadline) {
   if (!sent) throw Failure(reasonOf(nullptr));
   AnswerLimit limit(session_.get());
@@ -90,7 +90,7 @@ ResultHandle Connection::collect(bool sent, const sql::Deadline& deadline) {
 void Connection::flush(const sql::Deadline& deadline, AnswerLimit& limit) {
   for (;;) {
     const int pending = PQflush(session_.get());
-    // A failed sending shows its reason when the answer is read.
+    // If sending fails, reading the answer gives the reason.
     if (pending <= 0) return;
     sql::waitForSocket(PQsocket(session_.get()), POLLIN | POLLOUT, deadline);
     limit.check();

@@ -12,25 +12,24 @@
 
 namespace tal::postgresql {
 
-// Runs statements on a session that is logged in. Not for use by several threads at once.
+// Runs statements on a session that is logged in. Used by one thread at a time.
 class Connection {
  public:
   explicit Connection(ConnectionHandle session);
 
-  // As the server gave it at login, 150020 for 15.20.
+  // As the server sent it at login: 150020 for 15.20.
   [[nodiscard]] int serverVersion() const { return serverVersion_; }
 
   // Who is logged in.
   [[nodiscard]] const std::string& user() const { return user_; }
 
-  // Whether a failure has left the session in order.
+  // Whether the session can still be used after a failure.
   [[nodiscard]] bool isOpen() const { return session_ != nullptr; }
 
   // Runs a statement, preparing it when it is new here; waits no longer than kStatementLimit and
   // `deadline`. Throws Failure: the first error of the server, kNoAnswer, kAnswerTooLarge, or
-  // kServerError for an answer with other columns than the statement's. When no complete answer
-  // came, and after kConnectionLost, the session is closed and every further call throws
-  // kConnectionLost.
+  // kServerError for an answer with other columns than the statement's. If no complete answer came,
+  // and after kConnectionLost, the session is closed and every further call throws kConnectionLost.
   Result run(const Statement& statement, const sql::Deadline& deadline);
 
  private:

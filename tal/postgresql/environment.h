@@ -1,4 +1,4 @@
-// Environment variables that the client library reads whatever it is told.
+// Environment variables that the client library always reads.
 #pragma once
 
 #include <map>
@@ -7,9 +7,10 @@
 
 namespace tal::postgresql {
 
-// While it exists, the variables whose settings the client library sends to a server beside the
-// parameters of a connection are absent. One exists at a time; others wait. The environment is
-// touched only if one of them is set, for other threads may be reading it.
+// Besides the parameters of a connection, the client library sends the settings of some variables
+// to a server. While this object exists, these variables are absent. One object exists at a time;
+// others wait. The environment is changed only if one of the variables is set, because other
+// threads may be reading it.
 class WithoutSessionVariables {
  public:
   WithoutSessionVariables();

@@ -29,7 +29,7 @@ std::string databaseOr(std::string_view database) {
 
 Location parseSocket(std::string_view text) {
   const auto [folder, rest] = splitAt(text, ':');
-  // The client library would take a comma for the end of the folder.
+  // The client library would treat a comma as the end of the folder.
   if (folder.find(',') != std::string_view::npos) throw Failure(Status::kBadServerName);
 
   const auto [port, database] = splitAt(rest, '/');

@@ -1,4 +1,4 @@
-// Which server and which of its databases.
+// The server and its database.
 #pragma once
 
 #include <cstdint>
@@ -23,8 +23,8 @@ struct Location {
 //   /folder[:[port][/database]]  through the socket in that folder
 //
 // A folder reaches to the first ":", so that a database can only follow a port, which may be empty:
-// "/run/postgresql:/app1". The database is all that follows its "/". Without them the port is 5432
-// and the database "postgres". Throws Failure(kBadServerName) for anything else.
+// "/run/postgresql:/app1". The database is everything after its "/". The default port is 5432, and
+// the default database "postgres". Throws Failure(kBadServerName) for anything else.
 Location parseLocation(std::string_view text);
 
 }  // namespace tal::postgresql

@@ -21,7 +21,7 @@ enum Rank : std::int64_t {
   kAccessExclusive,
 };
 
-// One client's locks on one object, as the lists of files and of clients have it.
+// The locks of one client on one object, as the lists of files and of clients show them.
 struct LockUse {
   bool isRelation = false;    // otherwise an advisory lock, a transaction, ...
   bool hasRows = false;       // a table, or a relation whose kind is not known
@@ -29,10 +29,11 @@ struct LockUse {
   std::int64_t asked = 0;     // the same with what is awaited
   bool awaitsRecord = false;  // a row, a transaction that changed one, an advisory lock
   bool awaitsFile = false;    // anything else
-  bool mayLockRows = false;   // the server does not tell how many, nor whether it does
+  bool mayLockRows = false;   // the server does not say whether and how many
 };
 
-// How many columns of a row are one LockUse, and the reading of them from column `first` on.
+// How many columns of a row make one LockUse, and the function that reads them from column `first`
+// on.
 inline constexpr std::size_t kLockColumns = 7;
 LockUse lockUseIn(const sql::RowSource& row, std::size_t first);
 
@@ -41,7 +42,7 @@ std::uint8_t recordLockTypeOf(const LockUse& use);
 std::uint8_t waitStateOf(const LockUse& use);
 std::uint16_t transactionStateOf(const LockUse& use);
 
-// Whether it keeps everybody else from writing to a relation.
+// Whether it prevents everybody else from writing to a relation.
 bool excludesWriters(const LockUse& use);
 
 }  // namespace tal::postgresql

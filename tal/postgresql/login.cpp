@@ -37,7 +37,7 @@ ConnectionHandle logInWithout(Target target, const LoginRules& rules, sql::Socke
   return *tryLogin(target, askingBy(rules), cutter, deadline);
 }
 
-// A server that offers no encryption is asked again without, where that is allowed.
+// If the server offers no encryption, a second attempt goes without it, if that is allowed.
 ConnectionHandle logInTo(Target target, const LoginRules& rules, sql::SocketCutter& cutter,
                          const sql::Deadline& deadline) {
   target.encryption = rules.encryption();

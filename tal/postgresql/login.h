@@ -1,4 +1,4 @@
-// From a location to a session on the server.
+// Makes a session on the server at a location.
 #pragma once
 
 #include "tal/credentials.h"
@@ -9,17 +9,17 @@
 
 namespace tal::postgresql {
 
-// Logs in. A host with several addresses is tried at each, with an equal share of the time. Who
-// answers is not trusted:
+// Logs in. If a host has several addresses, each is tried with an equal share of the time. The peer
+// that answers is not trusted:
 //
-// - To another machine the connection is encrypted, and the certificate is that of the host where
-//   the user has root certificates to verify it by. On this machine encryption is used where the
-//   server offers it.
-// - The password is used for SCRAM alone: with encryption bound to this very connection, so that
-//   nobody can pass it on, without it after a look at what is asked for.
+// - To another machine the connection is encrypted. If the user has root certificates, the
+//   certificate of the server is verified and must be that of the host. On this machine encryption
+//   is used if the server offers it.
+// - The password is used for SCRAM only. With encryption it is bound to this connection, so that
+//   nobody can pass it on. Without encryption the request of the server is checked first.
 //
-// Exceptions and the user's wishes: see login_rules.h and login_options.h. Throws Failure with the
-// reason, kNoAnswer when `deadline` passes.
+// For exceptions and settings of the user see login_rules.h and login_options.h. Throws Failure
+// with the reason, and kNoAnswer when `deadline` passes.
 ConnectionHandle login(const Location& location, const Credentials& credentials,
                        sql::SocketCutter& cutter, const sql::Deadline& deadline);
 

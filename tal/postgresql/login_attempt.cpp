@@ -30,15 +30,14 @@ constexpr char kError = 'E';
 
 void dropNotice(void* /*argument*/, const char* /*text*/) {}
 
-// How far a login had come when its last step began.
+// The progress of a login when its last step began.
 struct Progress {
   ConnStatusType phase;
   char next;     // the next byte from the server, kNothing before the socket is connected
   bool hasLeft;  // the server has closed the connection
 };
 
-// While the socket is still being connected, reading from it would take away the error that the
-// client library has to see.
+// While the socket is connecting, a read would remove the error that the client library must see.
 Progress progressOf(const PGconn* connection) {
   const ConnStatusType phase = PQstatus(connection);
   if (phase == CONNECTION_STARTED || phase == CONNECTION_MADE) return {phase, kNothing, false};
@@ -50,7 +49,8 @@ Progress progressOf(const PGconn* connection) {
 
 bool isAskedForTls(const Progress& progress) { return progress.phase == CONNECTION_SSL_STARTUP; }
 
-// The server's first byte says whether it encrypts. An error comes from one that has no room.
+// The first byte of the server says whether it encrypts. A server without a free connection sends
+// an error.
 void checkAnswerToTls(const Progress& progress) {
   constexpr char kKnown[] = {kNothing, kAgreed, kDeclined, kError};
   if (std::ranges::find(kKnown, progress.next) == std::end(kKnown)) {
@@ -58,7 +58,7 @@ void checkAnswerToTls(const Progress& progress) {
   }
 }
 
-// The client library's own words, in the user's language: host, port and the system's reason.
+// The text of the client library, in the user's language: host, port and the reason of the system.
 std::string explanationIn(const PGconn* connection) {
   const std::string_view all = PQerrorMessage(connection);
   std::string line(all.substr(0, all.find('\n')));
@@ -67,8 +67,8 @@ std::string explanationIn(const PGconn* connection) {
   return line;
 }
 
-// Failures that the server did not explain carry nothing but a text, so the progress must tell them
-// apart.
+// Failures that the server did not explain have only a text, so they are distinguished by the
+// progress.
 [[noreturn]] void failLogin(const PGconn* connection, const Progress& progress,
                             const Target& target) {
   const std::string_view sqlState = sqlStateIn(PQerrorMessage(connection));

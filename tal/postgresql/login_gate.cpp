@@ -18,10 +18,10 @@
 namespace tal::postgresql {
 namespace {
 
-// Authentication requests, error, notice, setting, key, ready, and version: all that a login has.
+// Authentication request, error, notice, setting, key, ready and version: all messages of a login.
 constexpr std::string_view kLoginMessages = "RENSKZv";
 constexpr std::size_t kHeader = 5;              // type and length
-constexpr std::size_t kLargestMessage = 65536;  // what fits the socket pair
+constexpr std::size_t kLargestMessage = 65536;  // fits into the socket pair
 constexpr std::size_t kMostReceived = 1048576;
 
 std::uint32_t bigEndian(std::string_view bytes) {
@@ -30,7 +30,8 @@ std::uint32_t bigEndian(std::string_view bytes) {
   return ntohl(value);
 }
 
-// Whether the way to log in keeps the password from the server: none at all, and SCRAM's steps.
+// Whether the way to log in does not reveal the password: a login without a password, and the steps
+// of SCRAM.
 bool isSafe(std::uint32_t request) {
   constexpr std::array<std::uint32_t, 4> kSafe = {0, 10, 11, 12};
   return std::ranges::find(kSafe, request) != kSafe.end();
@@ -80,7 +81,7 @@ void LoginGate::letOut(const sql::Deadline& deadline) {
       sql::waitForSocket(server_.number(), POLLOUT, deadline);
       const ssize_t part = ::send(server_.number(), buffer.data() + sent,
                                   static_cast<std::size_t>(count - sent), MSG_NOSIGNAL);
-      if (part < 0 && errno != EAGAIN) return;  // reading shows why
+      if (part < 0 && errno != EAGAIN) return;  // the next read gives the reason
       sent += std::max<ssize_t>(part, 0);
     }
   }

@@ -1,4 +1,4 @@
-// A look at what a server asks for before the client library answers it.
+// Checks the requests of a server before the client library answers them.
 #pragma once
 
 #include <libpq-fe.h>
@@ -24,14 +24,14 @@ class Descriptor {
   int number_;
 };
 
-// Stands between the client library and the server while a login without encryption is under way:
-// the library would send the password in clear text to whoever asks for it. The gate takes the
+// Stands between the client library and the server during a login without encryption, because the
+// library would send the password in clear text to any server that requests it. The gate takes the
 // place of the library's socket, lets the server's messages in one by one, and refuses requests
-// that would give the password away, messages that no server sends, and floods.
+// that would reveal the password, messages that no server sends, and floods.
 class LoginGate {
  public:
-  // To be made when the library has sent its first message and has read nothing yet. Throws
-  // Failure(kInternalError) when the system gives no socket.
+  // Create it after the library has sent its first message and before it reads anything. Throws
+  // Failure(kInternalError) if the system cannot make sockets.
   explicit LoginGate(PGconn* connection);
   LoginGate(const LoginGate&) = delete;
   LoginGate& operator=(const LoginGate&) = delete;
@@ -41,7 +41,7 @@ class LoginGate {
   // kOtherProtocol, kAnswerTooLarge, kNoAnswer when `deadline` passes.
   void exchange(const sql::Deadline& deadline);
 
-  // Gives the library its own socket back; nothing but the destructor may be called afterwards.
+  // Gives the library its own socket back. After that only the destructor may be called.
   void leave();
 
  private:

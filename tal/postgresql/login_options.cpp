@@ -57,7 +57,7 @@ Parameters chosenParameters(const Target& target) {
       {"user",                target.user                                },
       {"password",            target.password                            },
       {"application_name",    "zelk"                                     },
- // Texts come as stored: no conversion can fail, whatever encoding a name is in.
+ // Texts come as they are stored: no conversion can fail, whatever the encoding of a name.
       {"client_encoding",     "SQL_ASCII"                                },
       {"options",             sessionOptions()                           },
       {"keepalives",          "1"                                        },
@@ -79,8 +79,8 @@ std::string fallback(const PQconninfoOption& option) {
   return option.compiled != nullptr ? option.compiled : "";
 }
 
-// Adds every parameter that has an environment variable. The service is left out: naming even an
-// empty one makes each connection fail.
+// Adds every parameter that has an environment variable. The service is left out, because even an
+// empty one makes every connection fail.
 void addDefaults(Parameters& parameters) {
   const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> defaults(PQconndefaults(),
                                                                               &PQconninfoFree);
@@ -91,7 +91,8 @@ void addDefaults(Parameters& parameters) {
   }
 }
 
-// Otherwise a certificate that exists is used for every server, and an unverified one is refused.
+// Otherwise the library would use an existing certificate for every server and refuse one that it
+// cannot verify.
 void leaveCertificatesOut(Parameters& parameters) { parameters["sslrootcert"] = "/dev/null/none"; }
 
 std::string quoted(std::string_view value) {

@@ -1,4 +1,4 @@
-// What the client library is told about a connection.
+// The options of a connection for the client library.
 #pragma once
 
 #include <array>
@@ -15,9 +15,9 @@ struct Setting {
   const char* shown;
 };
 inline constexpr std::array kSettings = {
-  // No object of the database can take the place of a system view.
+  // No object of the database can replace a system view.
     Setting{"search_path",                    "pg_catalog",       "pg_catalog"    },
- // Nothing runs long, waits long or writes.
+ // Nothing runs or waits for long, and nothing writes.
     Setting{"statement_timeout",              "5000",             "5s"            },
     Setting{"lock_timeout",                   "250",              "250ms"         },
     Setting{"idle_session_timeout",           "0",                "0"             },
@@ -29,7 +29,7 @@ inline constexpr std::array kSettings = {
 
 enum class Encryption : std::uint8_t {
   kNone,
-  kUnverified,  // whoever answers may be the server
+  kUnverified,  // the server is not verified
   kChain,       // its certificate is signed by a root certificate of the user's
   kName,        // and is that of the host
 };
@@ -42,27 +42,27 @@ struct Target {
   std::string user;
   std::string password;  // empty: only the user's own password file may supply one
   Encryption encryption = Encryption::kNone;
-  bool bindsPassword = false;  // the password is used only in a way bound to this very connection
+  bool bindsPassword = false;  // the password must be bound to this connection
 };
 
 // The connection string for a target. It names every parameter that the client library would
 // otherwise take from an environment variable, empty ones too (which only this form can do), so
-// that a monitor does the same wherever it is started; but variables that can only ask for more
-// security are honoured: PGREQUIREPEER, PGREQUIREAUTH, PGSSLROOTCERT, PGSSLCRL, PGSSLCRLDIR,
+// that a monitor behaves the same wherever it is started. Variables that can only request more
+// security are still used: PGREQUIREPEER, PGREQUIREAUTH, PGSSLROOTCERT, PGSSLCRL, PGSSLCRLDIR,
 // PGSSLMINPROTOCOLVERSION. The settings that the library sends besides its parameters are left to
 // WithoutSessionVariables.
 std::string connectionString(const Target& target);
 
-// At least `least`, and more where PGSSLMODE asks for it.
+// At least `least`, or more if PGSSLMODE requests it.
 Encryption encryptionWished(Encryption least);
 
-// Whether PGCHANNELBINDING asks for it.
+// Whether PGCHANNELBINDING requests it.
 bool bindingWished();
 
-// Whether the user has root certificates to verify servers by.
+// Whether the user has root certificates with which servers can be verified.
 bool hasRootCertificate();
 
-// The target's password, or the one that the user's password file has for it. Asks no server.
+// The password of the target, or the one in the user's password file. Does not contact the server.
 std::string passwordFor(const Target& target);
 
 }  // namespace tal::postgresql

@@ -61,8 +61,8 @@ class PostgresqlEngine : public Engine {
     return connection_.run(statement, sql::Deadline(sql::kCallLimit));
   }
 
-  // A relation may be locked away between the reading of the locks and the asking for its size,
-  // which then waits for lock_timeout. The second statement locks no relation of a user.
+  // Somebody may lock a relation after the locks were read and before its size is read, which then
+  // waits until lock_timeout. The second statement locks no relation of a user.
   Result runFiles() {
     const sql::Deadline deadline(sql::kCallLimit);
     try {
@@ -73,8 +73,8 @@ class PostgresqlEngine : public Engine {
     return runFilesWithEstimatedSizes(deadline);
   }
 
-  // Only locks on the catalog are left to wait for. When the server itself gave up waiting, it
-  // answered, and the session is in order.
+  // Only locks on the catalog can still cause a wait. If the server itself ended the wait, it has
+  // answered, and the session can still be used.
   Result runFilesWithEstimatedSizes(const sql::Deadline& deadline) {
     try {
       return connection_.run(filesWithEstimatedSizesStatement(), deadline);
@@ -90,15 +90,16 @@ class PostgresqlEngine : public Engine {
   CommunicationReader communication_;
 };
 
-// Without the privilege nothing fails, but the figures are wrong: other users' sessions are hidden.
+// Without the privilege nothing fails, but the figures are wrong, because the sessions of other
+// users are hidden.
 void checkPrivilege(const sql::RowSource& row, const std::string& user) {
   if (isTrue(row, 0)) return;
   throw sql::ExplainedFailure(Status::kPrivilegeMissing,
                               "GRANT pg_read_all_stats TO \"" + user + "\";");
 }
 
-// A pooler may drop what was asked for at login; a user's function could then take the place of one
-// of the system's.
+// A pooler may drop the settings of the login. Then a function of a user could replace one of the
+// system.
 void checkSettings(const sql::RowSource& row) {
   for (std::size_t i = 0; i < kSettings.size(); ++i) {
     if (row.cell(i + 1) != kSettings[i].shown) {

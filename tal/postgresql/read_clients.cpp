@@ -27,7 +27,7 @@ std::int32_t transactionStateIn(const sql::RowSource& row) {
   return isTrue(row, kInTransaction) ? transaction_state::kConcurrent : transaction_state::kNone;
 }
 
-// What the server does not count for each session stays 0.
+// Figures that the server does not count for each session stay 0.
 Client clientIn(const sql::RowSource& row) {
   Client client;
   client.id = sql::text(row, kProcess);

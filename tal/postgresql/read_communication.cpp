@@ -21,7 +21,7 @@ static_assert(kMaximumSenders + 1 == kCommunicationColumns);
 Communication CommunicationReader::read(sql::RowSource& rows) {
   if (!rows.next()) throw Failure(Status::kServerError);
   const auto number = [&rows](Column column) { return sql::integer(rows, column); };
-  // Clamped before they are added: what the server sends may be any number.
+  // Clamped before they are added, because the server may send any number.
   const std::int64_t connections = sql::clampMaximum(number(kMaximumConnections));
   const std::int64_t senders = sql::clampMaximum(number(kMaximumSenders));
 

@@ -1,4 +1,4 @@
-// The row of communication.sql as communication statistics.
+// Turns the row of communication.sql into communication statistics.
 #pragma once
 
 #include <cstddef>
@@ -11,11 +11,11 @@ namespace tal::postgresql {
 
 inline constexpr std::size_t kCommunicationColumns = 6;
 
-// Keeps the peaks of one connection: the server keeps none.
+// Keeps the peaks of one connection, because the server keeps none.
 class CommunicationReader {
  public:
-  // The statistics in the first row, with one protocol, TCP/IP. Throws Failure(kServerError) when
-  // there is no row or a number is none.
+  // The statistics in the first row, with one protocol, TCP/IP. Throws Failure(kServerError) if
+  // there is no row or a number cannot be read.
   Communication read(sql::RowSource& rows);
 
  private:

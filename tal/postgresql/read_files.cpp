@@ -49,8 +49,8 @@ void addHandle(OpenFile& file, const sql::RowSource& row) {
                           .clientName = sql::text(row, kClientName)});
 }
 
-// Dots are legal in the parts of a name, so two relations can have the same. Relations of several
-// databases can even have the same number: the layer above tells those apart.
+// The parts of a name may have dots, so two relations can have the same name. Relations of
+// different databases can even have the same number: the layer above makes their names different.
 void distinguish(std::string& name, const std::string& relation, std::set<std::string>& names) {
   if (!names.insert(name).second) name += '#' + relation;
 }

@@ -1,4 +1,4 @@
-// Rows of files.sql as open files.
+// Turns the rows of files.sql into open files.
 #pragma once
 
 #include <cstddef>
@@ -12,8 +12,8 @@ namespace tal::postgresql {
 inline constexpr std::size_t kFileColumns = 15;
 
 // One file for each (database, relation, name) with one handle for each row of it. Files keep the
-// order of their first rows; a name that an earlier file has is made different by "#" and the
-// relation's OID. Throws Failure(kServerError) when a number is none.
+// order of their first rows; if an earlier file has the same name, "#" and the OID of the relation
+// are added. Throws Failure(kServerError) if a number cannot be read.
 std::vector<OpenFile> readFiles(sql::RowSource& rows);
 
 }  // namespace tal::postgresql

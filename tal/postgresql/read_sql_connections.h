@@ -1,4 +1,4 @@
-// Rows of sql_connections.sql as SQL connections.
+// Turns the rows of sql_connections.sql into SQL connections.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ namespace tal::postgresql {
 
 inline constexpr std::size_t kSqlConnectionColumns = 8;
 
-// One connection for each row. Throws Failure(kServerError) when a number is none.
+// One connection for each row. Throws Failure(kServerError) if a number cannot be read.
 std::vector<SqlConnection> readSqlConnections(sql::RowSource& rows);
 
 }  // namespace tal::postgresql

@@ -1,4 +1,4 @@
-// The row of usage.sql as resource usage.
+// Turns the row of usage.sql into resource usage.
 #pragma once
 
 #include <cstddef>
@@ -11,11 +11,11 @@ namespace tal::postgresql {
 
 inline constexpr std::size_t kUsageColumns = 12;
 
-// Keeps the peaks of one connection: the server keeps none.
+// Keeps the peaks of one connection, because the server keeps none.
 class UsageReader {
  public:
-  // The usage in the first row. Throws Failure(kServerError) when there is no row or a number is
-  // none.
+  // The usage in the first row. Throws Failure(kServerError) if there is no row or a number cannot
+  // be read.
   Usage read(sql::RowSource& rows);
 
  private:

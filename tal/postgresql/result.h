@@ -1,4 +1,4 @@
-// What the client library allocates, and the rows of a result.
+// Owners for the objects of the client library, and the rows of a result.
 #pragma once
 
 #include <libpq-fe.h>
@@ -22,7 +22,7 @@ struct ClearResult {
 };
 using ResultHandle = std::unique_ptr<PGresult, ClearResult>;
 
-// Owns a result that is wholly on this side; reading it waits for nobody.
+// Owns a result that has arrived completely; reading it never waits.
 class Result final : public sql::RowSource {
  public:
   explicit Result(ResultHandle result) : result_(std::move(result)) {}

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view kNoSize = "0::bigint";
 
-// kLocks leaves open what the size of a relation is.
+// kLocks has a placeholder for the size of a relation.
 std::string overLocks(const char* statement, std::string_view size) {
   constexpr std::string_view kPlace = "ELSE {size}";
   std::string text = std::string(kLocks) + statement;

@@ -1,5 +1,5 @@
-// The statements, each in the .sql file of its name. There is one for each thing to know and none
-// for each file or client, so that a refresh costs the same number of statements on every server.
+// The statements, each in the .sql file of its name. There is one for each list or counter and none
+// for each file or client, so that a refresh takes the same number of statements on every server.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace tal::postgresql {
 
-extern const char kLocks[];  // what files, clients and usage begin with
+extern const char kLocks[];  // the common start of files, clients and usage
 extern const char kFiles[];
 extern const char kClients[];
 extern const char kUsage[];
@@ -23,8 +23,8 @@ struct Statement {
 };
 
 const Statement& filesStatement();
-// The same with the sizes that the server estimated at the last VACUUM or ANALYZE: asking for a
-// relation's true size locks it.
+// The same with the sizes that the server estimated at the last VACUUM or ANALYZE, because reading
+// the true size of a relation locks it.
 const Statement& filesWithEstimatedSizesStatement();
 const Statement& clientsStatement();
 const Statement& usageStatement();

@@ -37,7 +37,7 @@ int hexadecimalAt(const std::wstring& text, std::size_t at) {
 }
 
 // Appends the character of an escape whose letter stands at `at`; returns where it ends. Two
-// escapes of a surrogate pair are one character; half of a pair is none.
+// escapes of a surrogate pair make one character; half of a pair makes none.
 std::size_t appendEscaped(const std::wstring& text, std::size_t at, std::wstring& result) {
   const int value = text[at] == L'u' ? hexadecimalAt(text, at + 1) : -1;
   if (value < 0) {
@@ -83,7 +83,7 @@ bool endsInContinuation(const std::wstring& text) {
   return backslashes % 2 == 1;
 }
 
-// The lines of a file as it has them, less blanks before and a carriage return after each.
+// The lines of a file, each without leading blanks and without a carriage return at its end.
 class PhysicalLines {
  public:
   explicit PhysicalLines(const String& path)
@@ -121,7 +121,7 @@ Reference<collections::StringHashMap> readProperties(const String& path) {
   std::wstring continuation;
   while (lines.next(line)) {
     if (line.empty() || line.front() == L'#' || line.front() == L'!') continue;
-    // Each piece is looked at by itself, so that the work is linear in the file's length.
+    // Each piece is handled once, so that the time is linear in the length of the file.
     bool isContinued = endsInContinuation(line);
     while (isContinued) {
       line.pop_back();

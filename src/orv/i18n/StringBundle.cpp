@@ -21,14 +21,14 @@ String& folder() {
 
 using NameAndLanguages = std::pair<std::string, std::string>;
 
-// What this thread has read: each thread keeps its own, so that none needs a lock.
+// The bundles that this thread has read. Each thread keeps its own, so that no lock is needed.
 std::map<NameAndLanguages, Reference<StringBundle>>& readBundles() {
   thread_local std::map<NameAndLanguages, Reference<StringBundle>> s_bundles;
   return s_bundles;
 }
 
-// What the user asks for: the languages of LANGUAGE, separated by colons, or that of the locale.
-// The locale C means the texts that the program was written with.
+// What the user asks for: the languages of LANGUAGE, separated by colons, or the language of the
+// locale. The locale C means the original English texts.
 std::string userLanguages() {
   const std::string locale = std::setlocale(LC_MESSAGES, nullptr);
   const char* const list = std::getenv("LANGUAGE");
@@ -36,7 +36,8 @@ std::string userLanguages() {
   return isPlain || list == nullptr || *list == '\0' ? locale : list;
 }
 
-// Only what can be part of a language's name: a locale comes from outside and becomes a file name.
+// Only characters that a language name can have: a locale comes from outside and becomes part of a
+// file name.
 std::string languageOf(std::string_view locale) {
   std::string language;
   for (const char character : locale.substr(0, locale.find_first_of(".@"))) {

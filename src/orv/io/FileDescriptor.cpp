@@ -21,7 +21,7 @@ WriteErrorText s_writeErrorText = plainWriteErrorText;
 
 constexpr int kNoTimeLimit = -1;
 
-// Who shares a terminal or a pipe with the program may have made it non-blocking.
+// Another program that shares the terminal or pipe may have made it non-blocking.
 void waitUntilWritable(int descriptor) noexcept {
   pollfd wait{descriptor, POLLOUT, 0};
   poll(&wait, 1, kNoTimeLimit);

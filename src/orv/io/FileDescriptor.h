@@ -8,14 +8,14 @@
 
 namespace orv::io {
 
-// Writes all bytes; goes on after interruptions and short writes. Throws IoException with the text
-// of setWriteErrorText, where `target` names what is written to.
+// Writes all bytes; continues after interruptions and short writes. Throws IoException with the
+// text of setWriteErrorText, where `target` names the file or stream.
 void writeFully(int descriptor, std::string_view bytes, const String& target);
 
 // What writeFully throws; `error` is an errno.
 [[noreturn]] void throwWriteError(const String& target, int error);
 
-// Reads at most `size` bytes; 0 at the end of the input. Goes on after interruptions. Throws
+// Reads at most `size` bytes; 0 at the end of the input. Continues after interruptions. Throws
 // ResultException.
 std::size_t readSome(int descriptor, char* buffer, std::size_t size);
 
@@ -28,7 +28,7 @@ class FileDescriptor {
   ~FileDescriptor() { close(); }
 
   [[nodiscard]] int get() const noexcept { return descriptor_; }
-  // Returns 0 or the errno of a failure; the descriptor is given back in either case.
+  // Returns 0 or the errno of a failure; the descriptor is closed in either case.
   int close() noexcept;
 
  private:

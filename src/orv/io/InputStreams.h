@@ -18,8 +18,8 @@ class InputStream : public Object {
   int read();
 };
 
-// A file that gives more than `largest` bytes, as a device may do without end, cannot be read to
-// its end: reading on throws ResultException with kFileTooLarge.
+// At most `largest` bytes can be read, because a device may give bytes without end. Reading more
+// throws ResultException with kFileTooLarge.
 class FileInputStream : public InputStream {
  public:
   static constexpr std::size_t kLargestFile = 64U << 20U;
@@ -44,11 +44,11 @@ class FileInputStream : public InputStream {
   std::size_t bytesLeft_;
 };
 
-// Nothing is read ahead. A standard input that is closed or cannot be read is at its end.
+// Reads nothing ahead. A standard input that is closed or cannot be read counts as at its end.
 class StdioInputStream : public InputStream {
  public:
   using InputStream::read;
-  // Also 0 when a stop signal (orv/Process.h) has come or comes while it waits.
+  // Also returns 0 if a stop signal (orv/Process.h) has come, or comes while it waits.
   std::size_t read(char* buffer, std::size_t size) override;
 };
 

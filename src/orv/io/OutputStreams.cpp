@@ -24,7 +24,7 @@ int openForWriting(const String& path) {
   return descriptor;
 }
 
-// Pipes and devices have nothing to empty.
+// Pipes and devices cannot be emptied.
 void empty(int descriptor) {
   struct stat status {};
   const bool isEmptied = fstat(descriptor, &status) == 0 &&

@@ -11,10 +11,10 @@ namespace orv::io {
 
 class OutputStream : public Object {
  public:
-  // Hands all bytes to the system, in one call where the system takes them so. Throws IoException.
+  // Hands all bytes to the system, in one call if the system takes them all. Throws IoException.
   virtual void write(std::string_view bytes) = 0;
-  // Gives the stream back to the system; a second call does nothing. Throws IoException if the
-  // system reports only now that it could not keep all bytes.
+  // Closes the stream; a second call does nothing. Throws IoException if the system reports only
+  // now that it could not store all bytes.
   virtual void close() = 0;
 };
 
@@ -22,19 +22,19 @@ class OutputStream : public Object {
 inline constexpr const char* kStandardOutput = "standard output";
 inline constexpr const char* kStandardError = "standard error";
 
-// What a failed write is called: `target` is the file's path or the stream's name, `reason` the
-// system's own words.
+// The text for a failed write: `target` is the path of the file or the name of the stream, `reason`
+// is the text of the system.
 using WriteErrorText = String (*)(const String& target, const String& reason);
 
 // The text of the IoException that every later failed write throws. Until it is set, a plain
-// English one is used. To be called before a second thread writes.
+// English one is used. Call it before a second thread writes.
 void setWriteErrorText(WriteErrorText text) noexcept;
 
 // Creates the file for its owner and group, or opens it: emptied unless `append`. Every write goes
-// to the file's end, also when another program has emptied it meanwhile.
+// to the end of the file, even if another program has emptied it meanwhile.
 class FileOutputStream : public OutputStream {
  public:
-  // Throws ResultException if the file cannot be opened, or is a planted one (orv/Files.h).
+  // Throws ResultException if the file cannot be opened, or may have been planted (orv/Files.h).
   explicit FileOutputStream(const String& path, bool append = false);
 
   void write(std::string_view bytes) override;
@@ -45,8 +45,8 @@ class FileOutputStream : public OutputStream {
   FileDescriptor file_;
 };
 
-// Standard output, or through getStdErrorStream() standard error. Closing it leaves the process's
-// stream open.
+// Standard output, or through getStdErrorStream() standard error. Closing this object leaves the
+// stream of the process open.
 class StdioOutputStream : public OutputStream {
  public:
   StdioOutputStream();

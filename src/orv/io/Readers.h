@@ -16,11 +16,11 @@ class InputStreamReader : public Object {
  public:
   // `bufferSize` in bytes, at least 4.
   InputStreamReader(Reference<InputStream> stream, std::size_t bufferSize);
-  // Leaves nothing of what was read in the buffer.
+  // Overwrites the buffer, so that nothing that was read stays in memory.
   ~InputStreamReader() override;
 
-  // Replaces `text` by the next characters, at most as many as the buffer has bytes; empty at the
-  // end of the input. Throws ResultException.
+  // Replaces `text` by the next characters, at most as many as the buffer has bytes. The text is
+  // empty at the end of the input. Throws ResultException.
   void read(std::wstring& text);
 
  private:
@@ -32,7 +32,7 @@ class InputStreamReader : public Object {
 
 class BufferedReader : public Object {
  public:
-  // No line of a configuration is longer.
+  // The longest line that a configuration may have.
   static constexpr std::size_t kMaximumLineLength = 65536;
 
   explicit BufferedReader(Reference<InputStreamReader> reader,
@@ -40,8 +40,8 @@ class BufferedReader : public Object {
   // Leaves nothing of what was read in the buffer.
   ~BufferedReader() override;
 
-  // Replaces `line` by the next line, without its line feed; false at the end of the input. Of a
-  // line that is too long only the first `longestLine` characters are read: isLineCut() is then
+  // Replaces `line` by the next line, without its line feed; returns false at the end of the input.
+  // If a line is too long, only its first `longestLine` characters are read: isLineCut() is then
   // true, and the next call skips the rest. Throws ResultException.
   bool readLine(String& line);
   [[nodiscard]] bool isLineCut() const noexcept { return isLineCut_; }

@@ -12,8 +12,8 @@
 namespace orv::io {
 
 // Encodes text in the default encoding into a buffer and hands it to the stream when the buffer is
-// full or flushed. When a write fails, the buffer stays: the next flush tries again. What is
-// buffered when the writer is destroyed is lost.
+// full or flushed. If a write fails, the buffer is kept, and the next flush tries again. The
+// destructor does not write the buffer: its content is lost.
 class OutputStreamWriter : public Object {
  public:
   // `bufferSize` in characters, at least 1.
@@ -32,7 +32,8 @@ class OutputStreamWriter : public Object {
   std::unique_ptr<char[]> buffer_;
 };
 
-// Every operation throws IoException when the stream cannot be written. A writer serves one thread.
+// Every operation throws IoException when the stream cannot be written. A writer is used by one
+// thread.
 class PrintWriter : public Object {
  public:
   // With `autoFlush`, println hands its line to the system at once.
