@@ -5,7 +5,7 @@
 # makes tal-<engine>.so in the folder of libtal.so from the static library tal_<engine> and <source>,
 # which has the module's entry (tal/module_entry.h).
 
-# The tag is the same only where library and module are built with the same headers and compiler.
+# The tag is the same only if library and module are built with the same headers and compiler.
 set(hashes "")
 foreach(header credentials.h engine.h failure.h module.h module_entry.h status.h)
   set(header ${PROJECT_SOURCE_DIR}/tal/${header})
@@ -17,7 +17,7 @@ string(SHA256 hash "${hashes} ${ZELK_SANITIZE}")
 string(SUBSTRING ${hash} 0 16 hash)
 set(TAL_ABI_TAG "${PROJECT_VERSION} ${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION} ${hash}")
 
-# Gives the ABI tag to one source alone, so that a new tag compiles nothing else anew.
+# Gives the ABI tag to one source only, so that a new tag makes nothing else compile again.
 function(use_abi_tag source)
   set_property(SOURCE ${source} APPEND PROPERTY COMPILE_DEFINITIONS "TAL_ABI_TAG=\"${TAL_ABI_TAG}\"")
 endfunction()

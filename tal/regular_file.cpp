@@ -14,7 +14,7 @@ namespace {
   throw FileError("cannot be read: " + std::generic_category().message(error));
 }
 
-// Without O_NONBLOCK, opening a pipe would wait for its writer.
+// Without O_NONBLOCK, opening a pipe would wait for a writer.
 int opened(const std::string& path) {
   const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) failUnreadable(errno);

@@ -16,8 +16,8 @@ std::size_t announcedLength(unsigned char lead) noexcept {
   return 1;
 }
 
-// Whether the second byte of a character may follow its first: neither overlong, nor a surrogate,
-// nor beyond the last character.
+// Whether the second byte of a character may follow the first: the character must not be overlong,
+// a surrogate or above the last character.
 bool mayFollow(unsigned char lead, unsigned char second) noexcept {
   if (lead == 0xe0) return second >= 0xa0;
   if (lead == 0xed) return second <= 0x9f;
@@ -26,7 +26,7 @@ bool mayFollow(unsigned char lead, unsigned char second) noexcept {
   return true;
 }
 
-// The code point of a character of more than one byte; a byte by itself stands for itself.
+// The code point of a character of several bytes, or the value of a single byte.
 char32_t codePointOf(std::string_view character) noexcept {
   if (character.size() == 1) return byteAt(character, 0);
   char32_t point = byteAt(character, 0) & (0x7fU >> character.size());
@@ -56,7 +56,7 @@ bool isReplaced(std::string_view character) noexcept {
       kReplaced, [&](const Range& range) { return range.first <= point && point <= range.last; });
 }
 
-// `out` may be where `text` begins: what is written never overtakes what is read.
+// `out` may be the start of `text`: writing never overtakes reading.
 std::size_t write(char* out, std::size_t limit, std::string_view text) noexcept {
   std::size_t length = 0;
   while (!text.empty()) {

@@ -56,7 +56,7 @@ class ZstdBytes : public ByteSource {
     void operator()(ZSTD_DStream* stream) const noexcept { ZSTD_freeDStream(stream); }
   };
 
-  // Reads the compressed bytes from that place on; false where there are none.
+  // Reads the compressed bytes from that place on; false if there are none.
   bool fill(std::uint64_t at) {
     inputAt_ = at;
     inputUsed_ = 0;
@@ -64,7 +64,7 @@ class ZstdBytes : public ByteSource {
     return inputLength_ > 0;
   }
 
-  // Goes on at the next frame.
+  // Continues at the next frame.
   Slice passDamage() {
     constexpr std::string_view kMagic = "\x28\xb5\x2f\xfd";
     const std::uint64_t damagedAt = frameAt_;

@@ -1,4 +1,5 @@
-// The keys of an engine's values, in scenario files and in recordings: each key stands here once.
+// The keys of the values of an engine, in scenario files and in recordings. This is the only place
+// that has them.
 #pragma once
 
 #include <string_view>
@@ -26,9 +27,9 @@ inline constexpr Key kProtocolKey = "protocol";  // the list in the communicatio
 inline constexpr Key kHandleKey = "handle";      // the list in a file and in a client
 
 // Each function below calls `visit(key, field...)` for every field of a kind of record, in the
-// order in which the keys are written. It takes one record or several whose fields have the same
-// names, for instance a value of tal/engine.h and what a scenario says about it: `visit` then gets
-// that field of each. The lists of handles and of protocols are not visited.
+// order in which the keys are written. It takes one record, or several whose fields have the same
+// names, for instance a value of tal/engine.h and its entry in a scenario. Then `visit` gets the
+// field of each. The lists of handles and of protocols are not visited.
 
 template <typename Visit, typename... Gauge>
 void visitGauge(const Visit& visit, Gauge&... gauge) {

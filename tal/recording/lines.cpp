@@ -16,7 +16,7 @@ constexpr const char* kTooLong = "the line is longer than 1 GiB";
 constexpr const char* kNoObject = "the line does not begin with \"{\"";
 constexpr const char* kNotCompressed = "the compressed frame is damaged";
 
-// The time in the heading of a line; nothing where it has to be read whole to know it.
+// The time in the heading of a line; nothing if only reading the whole line can give it.
 std::optional<std::int64_t> headingTime(std::string_view line) {
   constexpr std::string_view kBefore = "\"time\":\"";
   line = line.substr(0, kHeadingLimit);
@@ -72,7 +72,7 @@ bool RecordingLines::takeLine(Line& line) {
   return true;
 }
 
-// Drops what was read of the present line where it cannot be a moment.
+// Drops the bytes of the present line if it cannot be a moment.
 void RecordingLines::dropUnfit() {
   if (end_ - begin_ > kLineLimit) damage_ = kTooLong;
   if (begin_ != end_ && damage_ == nullptr && buffer_[begin_] != '{') damage_ = kNoObject;
@@ -85,7 +85,7 @@ void RecordingLines::makeRoom() {
   scanned_ -= begin_;
   end_ -= begin_;
   begin_ = 0;
-  // As much again as the line has already, so that a long line is not copied many times.
+  // Doubles the size of the line, so that a long line is not copied many times.
   const std::size_t wanted = end_ + std::max(kBlock, end_) + kPadding;
   if (buffer_.size() < end_ + kBlock + kPadding) buffer_.resize(wanted);
 }

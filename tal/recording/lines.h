@@ -17,12 +17,13 @@ namespace tal::recording {
 struct Line {
   std::string_view text;     // without its line end, followed by kPadding bytes
   std::uint64_t number = 0;  // from 1
-  // Where it begins: the byte of the file. Of a compressed file it is the frame's.
+  // The byte of the file at which it begins; in a compressed file, the byte at which its frame
+  // begins.
   std::uint64_t at = 0;
-  const char* damage = nullptr;  // why the text is not given
+  const char* damage = nullptr;  // the reason why there is no text
 };
 
-// Where a file's bytes come from: the disk, or what decompresses them.
+// The source of the bytes of a file: the disk, or a decompressor.
 class ByteSource {
  public:
   enum class Got { kBytes, kNothing, kDamage };
@@ -37,29 +38,29 @@ class ByteSource {
   ByteSource& operator=(const ByteSource&) = delete;
   virtual ~ByteSource() = default;
 
-  // Fills the front of `bytes`. kNothing: there is no more at present. kDamage: what follows cannot
-  // be decompressed and was passed over. Throws FileError.
+  // Fills the front of `bytes`. kNothing: there are no more bytes at present. kDamage: the next
+  // part cannot be decompressed and was skipped. Throws FileError.
   virtual Slice read(std::span<char> bytes) = 0;
 
-  // Where the present frame begins; nothing where the bytes of the file are given as they are.
+  // The place where the present frame begins; nothing if the file is not compressed.
   [[nodiscard]] virtual std::optional<std::uint64_t> frame() const = 0;
 };
 
-// The bytes of a file, decompressed where its name ends in ".zst". Throws FileError.
+// The bytes of a file, decompressed if its name ends in ".zst". Throws FileError.
 std::unique_ptr<ByteSource> openBytes(const std::string& path);
 
-// Gives one line after the other. It holds the present line in memory and nothing else of the file,
-// and no line that cannot be a moment.
+// Gives one line after the other. It holds only the present line of the file in memory, and drops a
+// line that cannot be a moment.
 class RecordingLines {
  public:
   // Throws FileError.
   explicit RecordingLines(const std::string& path);
 
-  // The next line; its text is valid until the next call. False where no further whole line is
-  // there: a file that is still being written may have one later. Throws FileError.
+  // Gets the next line; its text is valid until the next call. Returns false if there is no further
+  // whole line: a file that is still being written may have one later. Throws FileError.
   bool next(Line& line);
 
-  // How many bytes of the file the lines given so far take up.
+  // The number of bytes of the file that the lines so far take.
   [[nodiscard]] std::uint64_t length() const { return bytes_->frame().value_or(lineAt_); }
 
  private:
@@ -84,16 +85,16 @@ class RecordingLines {
 // The moments of a recording, one after the other.
 class RecordingReader {
  public:
-  // What becomes of a damaged line: "FILE:LINE (byte N): reason".
+  // Receives a report of each damaged line: "FILE:LINE (byte N): reason".
   using OnDamage = void (*)(const std::string& complaint);
 
   // Throws FileError.
   RecordingReader(const std::string& path, OnDamage onDamage);
 
-  // The next whole moment; false where there is none at present. Throws FileError.
+  // Gets the next whole moment; returns false if there is none at present. Throws FileError.
   bool next(Moment& moment);
 
-  // The same for the first moment at or after a time; those in front of it are not read whole.
+  // The same for the first moment at or after a time. Earlier moments are not read completely.
   bool nextFrom(std::int64_t time, Moment& moment);
 
  private:

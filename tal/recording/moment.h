@@ -1,4 +1,4 @@
-// A moment of one engine as plain values: everything that the interface answered at one time.
+// A moment of one engine as plain values: all answers of the interface at one time.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace tal::recording {
 
-// Where a moment stands in the run of a recorder. Durations are in microseconds.
+// The place of a moment in the run of a recorder. Durations are in microseconds.
 struct Heading {
   std::string run;             // a UUID, made anew for each run
   std::uint64_t sequence = 1;  // 1, 2, 3, ... within the run
@@ -23,15 +23,15 @@ struct Heading {
   std::string server;          // the server name as configured
 };
 
-// Why a moment is not complete.
+// The reason why a moment is not complete.
 struct Error {
   std::string call;         // the function of the interface
   std::int16_t status = 0;  // what it returned
   std::string text;         // what the status means, for people
 };
 
-// A section is absent where it was not asked for. In a moment that failed, what could not be
-// collected completely is absent too.
+// A section is absent if it was not requested. In a moment that failed, sections that could not be
+// collected completely are absent too.
 struct Moment {
   Heading heading;
   std::optional<Information> engine;

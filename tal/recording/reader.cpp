@@ -31,8 +31,8 @@ constexpr std::size_t kReasonLimit = 200;
   damaged("the value of \"" + std::string(key.name) + "\" is of the wrong kind");
 }
 
-// One object, key by key. Keys are found at once where they stand in the order in which they are
-// asked for.
+// One object, key by key. Finding a key is fast if the keys come in the order in which they are
+// requested.
 class ObjectReader {
  public:
   ObjectReader(dom::element element, const Key& key)
@@ -95,7 +95,7 @@ class ObjectReader {
            object_.at_key(key.name).error() == simdjson::SUCCESS;
   }
 
-  // Refuses an object in which a key was given twice. To be called when all keys were asked for.
+  // Refuses an object that has a key twice. Call it after all keys were requested.
   void finish() const {
     if (found_ == object_.size()) return;
     std::vector<std::string_view> keys;
@@ -242,7 +242,7 @@ MomentReader::~MomentReader() = default;
 Moment MomentReader::read(std::string_view line) {
   if (line.size() > kLineLimit) damaged("the line is longer than 1 GiB");
   dom::element element;
-  constexpr bool kCopy = false;  // the padding is there
+  constexpr bool kCopy = false;  // the line has its padding
   const simdjson::error_code error =
       parser_->parser.parse(line.data(), line.size(), kCopy).get(element);
   if (error == simdjson::MEMALLOC) throw std::bad_alloc();

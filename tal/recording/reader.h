@@ -1,4 +1,4 @@
-// From a line of a recording to its moment.
+// Reads the moment in a line of a recording.
 #pragma once
 
 #include <cstddef>
@@ -10,19 +10,19 @@
 
 namespace tal::recording {
 
-// A line is no whole moment; what() says why, in one line without control characters.
+// A line is not a whole moment; what() gives the reason in one line without control characters.
 class Damaged : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// A longer line is damaged, whatever stands in it.
+// A longer line counts as damaged, whatever its content.
 inline constexpr std::size_t kLineLimit = std::size_t{1} << 30U;
 
-// So many bytes behind a line must be readable; what they hold does not matter.
+// This many bytes after a line must be readable. Their content does not matter.
 inline constexpr std::size_t kPadding = 64;
 
-// Reads one line after the other; keeps the memory that the largest of them needed.
+// Reads one line after the other. Keeps as much memory as the largest line needed.
 class MomentReader {
  public:
   MomentReader();

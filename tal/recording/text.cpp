@@ -14,7 +14,7 @@ constexpr std::size_t kEscapeLength = 5;  // "{xHH}"
 constexpr std::int64_t kMicroseconds = 1'000'000;
 constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 
-// The byte that the text names where it begins with "{xHH}".
+// The byte that the text names if it begins with "{xHH}".
 std::optional<char> escapedByte(std::string_view text) {
   if (text.size() < kEscapeLength || !text.starts_with("{x") || text[4] != '}') return std::nullopt;
   unsigned byte = 0;
@@ -46,13 +46,13 @@ void appendControl(std::string& out, char control) {
   out.append("\\u00").append(1, kHexDigits[number >> 4U]).append(1, kHexDigits[number & 15U]);
 }
 
-// Whether a byte stands for itself in every place.
+// Whether a byte is written unchanged in every place.
 constexpr bool isPlain(char byte) {
   return byte >= ' ' && byte != '"' && byte != '\\' && byte != '{' && byte != '\x7f';
 }
 
-// A number of exactly so many digits at the start of `text`, which is taken away with the `end`
-// that follows; -1 where something else stands there.
+// Removes from the start of `text` a number of exactly so many digits and the `end` after it.
+// Returns the number, or -1 if the text does not begin so.
 int takeNumber(std::string_view& text, std::size_t digits, std::string_view end) {
   int number = 0;
   if (text.size() < digits + end.size()) return -1;

@@ -8,18 +8,18 @@
 
 namespace tal::recording {
 
-// Appends a text as a JSON string that is valid UTF-8 whatever its bytes are: a byte that is not
-// UTF-8 is written {xHH}, and a brace that could be read as the start of that is written {x7B}.
+// Appends a text as a JSON string, which is always valid UTF-8. A byte that is not UTF-8 is written
+// {xHH}, and a brace that could be read as the start of such a form is written {x7B}.
 void appendText(std::string& out, std::string_view text);
 
-// The bytes that a string of a recording stands for.
+// The original bytes of a string in a recording.
 std::string textOf(std::string_view recorded);
 
 // A time in microseconds since 1970 UTC, as 2026-11-21T19:14:35.123456Z.
 std::string timeText(std::int64_t microseconds);
 
-// The time that such a text names; the fraction of a second may have one to six digits or be left
-// out. Nothing for any other text.
+// Reads such a time. The fraction of a second may have one to six digits or be left out. Returns
+// nothing for any other text.
 std::optional<std::int64_t> timeOf(std::string_view text);
 
 // Minutes ahead of UTC, as +01:00.

@@ -10,7 +10,7 @@
 
 namespace tal::recording {
 
-// A word for a code. Where a code has no word, its number stands instead.
+// A word for a code. If a code has no word, its number is written.
 struct Word {
   std::string_view word;
   std::int64_t code;

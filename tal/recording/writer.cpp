@@ -13,11 +13,11 @@
 namespace tal::recording {
 namespace {
 
-// What the other keys in front of the first section take at most, each at its longest, is below
-// the difference to kHeadingLimit.
+// The other keys before the first section, each at its longest, take less than the difference to
+// kHeadingLimit.
 constexpr std::size_t kServerLimit = 512;
 
-constexpr std::size_t kPart = std::size_t{1} << 18U;  // bytes that are handed over at once
+constexpr std::size_t kPart = std::size_t{1} << 18U;  // bytes in one part
 
 using Take = std::function<void(std::string_view part)>;
 
@@ -93,7 +93,7 @@ class Writer {
     out_.append(digits.data(), end);
   }
 
-  // All but the last character, which decides whether a comma follows.
+  // Writes all but the last character, which decides whether a comma follows.
   void handOver() {
     take_(std::string_view(out_).substr(0, out_.size() - 1));
     out_.erase(0, out_.size() - 1);

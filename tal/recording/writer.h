@@ -1,4 +1,4 @@
-// From a moment to its line in a recording.
+// Writes a moment as a line of a recording.
 #pragma once
 
 #include <cstddef>
@@ -12,15 +12,15 @@ namespace tal::recording {
 
 inline constexpr int kFormatVersion = 1;
 
-// The keys in front of the first section end within so many bytes of a line.
+// The keys before the first section end within this many bytes of a line.
 inline constexpr std::size_t kHeadingLimit = 1024;
 
-// The server name as a recording can hold it: one whose form in a recording is so long that the
-// heading would exceed its limit is cut.
+// The server name as a recording can hold it. A name is cut if its form in a recording would make
+// the heading longer than its limit.
 std::string recordableServer(std::string_view server);
 
-// Hands the line over in parts, one after the other and the line end last, so that a large moment
-// does not stand in memory twice.
+// Gives the line to the caller in parts, the line end last, so that a large moment is not in memory
+// twice.
 void writeLine(const Moment& moment, const std::function<void(std::string_view part)>& take);
 
 // Appends the line with its line end.

@@ -9,7 +9,7 @@
 namespace tal::replay {
 namespace {
 
-// What can be asked for, as bits.
+// The possible requests, as bits.
 enum Ask : unsigned {
   kInformation = 1,
   kVersion = 2,
@@ -22,7 +22,7 @@ enum Ask : unsigned {
 
 constexpr std::size_t kComplaintLimit = 4000;
 
-// A status cannot say which file or line it is about.
+// A status cannot name the file or line.
 void complain(const std::string& text) {
   std::string line = text;
   fitText(line, kComplaintLimit);
@@ -34,7 +34,7 @@ struct Place {
   std::optional<std::int64_t> from;
 };
 
-// A name may hold "@" itself: only what a time follows begins one.
+// A name may contain "@": only an "@" before a time separates.
 Place placeOf(std::string_view location) {
   const std::size_t at = location.rfind('@');
   if (at != std::string_view::npos) {
@@ -84,7 +84,7 @@ Section ReplayEngine::take(std::optional<Section> Moment::*section, unsigned ask
   if (!isThere_ || (asked_ & ask) != 0) advance();
   if (!isThere_) throw Failure(Status::kRecordingEnds);
   asked_ |= ask;
-  // Nothing asks for it again: a second ask gets another moment.
+  // Nobody requests it again: a second request gets another moment.
   if (auto& value = moment_.*section) return std::move(*value);
   if (moment_.error) throw Failure(static_cast<Status>(moment_.error->status));
   throw Failure(Status::kNotRecorded);

@@ -15,14 +15,14 @@
 namespace tal::replay {
 
 // Opens the recording FILE of "FILE" or "FILE@TIME", the latter at the first moment at or after the
-// time. Anybody is let in. Throws Failure kRecordingUnreadable, after a line on standard error that
-// says what is wrong.
+// time. Every account is accepted. Throws Failure kRecordingUnreadable, after a line on standard
+// error that says what is wrong.
 std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials);
 
-// Serves the moments of a recording in their order. A list or counter is asked for once in each
-// moment: asking for it again leaves the moment, and all asks until then get the same one.
-// Information and version are those of the first moment that has them. What a moment that failed
-// lacks throws its status, once.
+// Serves the moments of a recording in their order. Each list or counter is served once in each
+// moment: a second request for it goes to the next moment, and all requests until then get the same
+// moment. Information and version come from the first moment that has them. If a moment failed, a
+// request for a part that it lacks throws its status, once.
 class ReplayEngine : public Engine {
  public:
   // Begins at the first moment at or after `from`, in microseconds since 1970 UTC, or at the first
@@ -50,7 +50,7 @@ class ReplayEngine : public Engine {
   recording::RecordingReader reader_;
   Moment moment_;
   bool isThere_;        // whether there is a present moment
-  unsigned asked_ = 0;  // bits of what was asked for in the present moment
+  unsigned asked_ = 0;  // bits of the requests in the present moment
   std::optional<Information> information_;
   std::optional<Version> version_;
 };

@@ -1,4 +1,4 @@
-// Which call it is: what the refreshes and the faults of a scenario are counted by.
+// Counts calls, for the refreshes and the faults of a scenario.
 #pragma once
 
 #include <array>
@@ -17,14 +17,14 @@ namespace tal::sim {
 // The call of this name; nothing for another name, and for TalStart, which precedes every scenario.
 std::optional<Call> callNamed(std::string_view name);
 
-// Counts the calls on one connection. Every list has refreshes of its own: they are the calls that
-// take its snapshot, whether they succeed or not. The refresh of any other call is the number of
-// times it was made.
+// Counts the calls on one connection. Every list has its own refreshes: the calls that take its
+// snapshot, whether they succeed or not. The refresh of any other call is the number of times it
+// was made.
 class Calls {
  public:
   explicit Calls(const std::vector<Fault>& faults);
 
-  // Counts the call and tells what is to be returned instead of an answer.
+  // Counts the call, and says which status to return instead of an answer.
   Status count(Call call);
 
   // The present refresh of a list or counter, from 1.
@@ -37,12 +37,12 @@ class Calls {
   };
   static constexpr std::size_t kCalls = static_cast<std::size_t>(Call::kFreeSQLConnectionsData) + 1;
 
-  // A fault and its place in the scenario: of several that fit, the first one counts.
+  // A fault and its place in the scenario. If several fit, the first one counts.
   struct Ordered {
     std::size_t place;
     Status status;
   };
-  // The first fault of each refresh and number of a call; 0 stands for every one.
+  // The first fault for each refresh and number of a call; 0 stands for all.
   using Numbers = std::unordered_map<std::uint64_t, Ordered>;
   using Refreshes = std::unordered_map<std::uint64_t, Numbers>;
 

@@ -3,8 +3,8 @@
 
 namespace tal::sim {
 
-// A small shop at work, in which every code of the interface occurs. Also what handle -1 serves.
-// The text of demo.toml.
+// The text of demo.toml: a small shop at work, in which every code of the interface occurs. Handle
+// -1 serves it too.
 extern const char kDemo[];
 
 }  // namespace tal::sim

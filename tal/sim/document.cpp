@@ -25,9 +25,9 @@ void refuseBadBytes(std::string_view text) {
   }
 }
 
-// Reads just enough of TOML to know which brackets and dots stand outside of texts and comments.
-// The library destroys what it has read level by level on the stack, so that an endless "a.a.a.a"
-// would end the process.
+// Reads just enough of TOML to know which brackets and dots are outside texts and comments. The
+// library destroys its values level by level on the stack, so that an endless "a.a.a.a" would end
+// the process.
 class Scanner {
  public:
   explicit Scanner(std::string_view text) : rest_(text) {}
@@ -104,7 +104,7 @@ Node::Table convertedMembers(const toml::table& from) {
   return members;
 }
 
-// As deep as the brackets that were let through.
+// As deep as the brackets that were accepted.
 Node converted(const toml::node& from) {
   Node to;
   to.line = lineOf(from.source());

@@ -16,7 +16,7 @@ struct Member;
 struct Node {
   using List = std::vector<Node>;
   using Table = std::vector<Member>;  // in the order of the lines
-  // What no scenario uses: a boolean, a fraction or a date.
+  // A value that no scenario uses: a boolean, a fraction or a date.
   struct Other {};
 
   int line = 0;
@@ -30,8 +30,8 @@ struct Member {
   Node node;
 };
 
-// The root table. Throws ScenarioError for what is not TOML and for what is nested too deeply;
-// any bytes may be given.
+// The root table. Throws ScenarioError if the text is not TOML or is nested too deeply. Any bytes
+// may be given.
 Node parseDocument(std::string_view text);
 
 }  // namespace tal::sim

@@ -1,4 +1,4 @@
-// What is wrong with a scenario.
+// Errors in a scenario.
 #pragma once
 
 #include <stdexcept>
@@ -8,7 +8,7 @@
 namespace tal::sim {
 
 // Thrown while a scenario is read. what() is one line without control characters that says what is
-// wrong and what was expected; the name of the scenario stands in front of it once it is known.
+// wrong and what was expected; the name of the scenario comes first when it is known.
 class ScenarioError : public std::runtime_error {
  public:
   // The line counts from 1; 0 stands for the whole text.

@@ -22,7 +22,7 @@ std::vector<Item> itemsOf(const std::vector<Entry>& entries, std::uint64_t refre
   return items;
 }
 
-// Gives a field of an engine's value what the scenario says about it.
+// Sets a field of an engine's value from the scenario.
 auto visitorAt(const Place& place) {
   return [place](const recording::Key& /*key*/, auto& field, const auto& values) {
     if constexpr (requires { values.maximum; }) {

@@ -1,4 +1,4 @@
-// From a scenario to what the engine serves at one refresh, in time linear in its size.
+// Makes the answers of one refresh from a scenario, in time linear in their size.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace tal::sim {
 
-// The refreshes are counted from 1.
+// Refreshes count from 1.
 Information informationAt(const InformationValues& values, std::uint64_t refresh);
 Version versionAt(const VersionValues& values, std::uint64_t refresh);
 Usage usageAt(const UsageValues& values, std::uint64_t refresh);

@@ -17,11 +17,11 @@ std::optional<std::uint32_t> readOrdinal(TableReader& table, std::string_view ke
   return static_cast<std::uint32_t>(*ordinal);
 }
 
-// How many items were announced while a scenario is read, and what they take up.
+// The number of items announced so far while a scenario is read, and their bytes.
 class ItemBudget {
  public:
-  // Reads the keys count, from and until, and takes the items from the budget, `owners` times. To
-  // be called after the texts of the table were read: they count too.
+  // Reads the keys count, from and until, and takes the items from the budget, `owners` times. Call
+  // it after the texts of the table were read, because they count too.
   void readPresence(TableReader& table, Presence& presence, std::uint64_t owners = 1) {
     table.read("count", presence.count, Forms::kByRefresh);
     presence.from = readOrdinal(table, "from").value_or(presence.from);
@@ -144,7 +144,7 @@ void readFault(TableReader& table, Fault& fault) {
 Scenario readScenario(const Node& document) {
   TableReader root(document, "the scenario");
   ItemBudget budget;
-  // What reads an entry, with the budget.
+  // Reads an entry, with the budget.
   const auto counting = [&budget](const auto& read) {
     return [&budget, read](TableReader& table, auto& values) { read(table, values, budget); };
   };

@@ -8,8 +8,8 @@
 
 namespace tal::sim {
 
-// Reads a text of any bytes. Throws ScenarioError, whose text begins with `name` and the line, for
-// what is not a scenario.
+// Reads a text of any bytes. Throws ScenarioError for a text that is not a scenario; its message
+// begins with `name` and the line.
 Scenario parseScenario(std::string_view text, std::string_view name);
 
 }  // namespace tal::sim

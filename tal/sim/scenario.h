@@ -1,5 +1,5 @@
 // A scenario as it was read: everything that a simulated engine serves, at every refresh. The
-// fields have the names of those in tal/engine.h, so that both can be visited together.
+// fields have the same names as those in tal/engine.h, so that both can be visited together.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +12,12 @@
 
 namespace tal::sim {
 
-// Items that a scenario may stand for in all, each entry counted at its largest, and the bytes that
-// they may take up in all.
+// The most items that a scenario may stand for, each entry counted at its largest, and the most
+// bytes that they may take.
 inline constexpr std::uint64_t kItemLimit = 10'000'000;
 inline constexpr std::uint64_t kByteLimit = 4ULL << 30U;
 
-// What an item takes up besides its texts; the largest kind is taken for all.
+// The bytes of an item besides its texts. The size of the largest kind is used for all.
 inline constexpr std::uint64_t kItemBytes = 256;
 
 // How many items an entry stands for, and in which refreshes.
@@ -82,7 +82,7 @@ struct CommunicationValues {
   std::vector<ProtocolEntry> protocols;
 };
 
-// What handles of files and of clients have in common.
+// The common part of the handles of files and of clients.
 struct HandleEntry {
   Presence presence;
   Number<std::uint8_t> openMode{open_mode::kNormal};

@@ -62,7 +62,7 @@ std::unique_ptr<Engine> open(std::string_view location, const Credentials& /*cre
   try {
     return std::make_unique<SimulatedEngine>(scenarioIn(std::string(location)));
   } catch (const ScenarioError& error) {
-    // The status says only that the scenario is wrong; a line number has no other way out.
+    // The status says only that the scenario is wrong. Only this line gives the line number.
     std::fprintf(stderr, "libtal: %s\n", error.what());
     throw Failure(Status::kScenarioWrong);
   }

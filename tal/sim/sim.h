@@ -13,7 +13,7 @@
 namespace tal::sim {
 
 // Serves the values of a scenario by refresh number, never by the clock or by chance. The numbers
-// advance when a call is announced through answerInstead(), as the interface does for every call.
+// advance when the interface announces a call through answerInstead(), as it does for every call.
 class SimulatedEngine : public Engine {
  public:
   explicit SimulatedEngine(Scenario scenario);
@@ -32,9 +32,9 @@ class SimulatedEngine : public Engine {
   Calls calls_;
 };
 
-// Opens the built-in scenario for "demo", otherwise the scenario file of that name, relative to
-// the working directory. Anybody is let in. Throws Failure kScenarioWrong, after one line on
-// standard error that names the file, the line and what is wrong.
+// Opens the built-in scenario for "demo", otherwise the scenario file of that name, relative to the
+// working directory. Every account is accepted. Throws Failure kScenarioWrong, after one line on
+// standard error that names the file, the line and the error.
 std::unique_ptr<Engine> open(std::string_view location, const Credentials& credentials);
 
 // Opens the built-in scenario.

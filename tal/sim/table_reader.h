@@ -18,11 +18,11 @@
 
 namespace tal::sim {
 
-// Reads the keys of a table into the values of a scenario. A key that is absent leaves its value
-// as it is. Everything throws ScenarioError for what does not fit.
+// Reads the keys of a table into the values of a scenario. An absent key leaves its value
+// unchanged. Every function throws ScenarioError for a value that does not fit.
 class TableReader {
  public:
-  // The table must outlive the reader. `where` is how messages call it, as in "[usage]".
+  // The table must outlive the reader. `where` is its name in messages, such as "[usage]".
   TableReader(const Node::Table& table, int line, std::string where);
 
   // The same for a node that is a table.
@@ -30,7 +30,7 @@ class TableReader {
 
   [[nodiscard]] int line() const noexcept { return line_; }
 
-  // Bytes that the texts read so far take up together in one item, each at its longest.
+  // The bytes that the texts read so far take in one item, each at its longest.
   [[nodiscard]] std::size_t textBytes() const noexcept { return textBytes_; }
 
   template <std::integral Field>
@@ -47,20 +47,20 @@ class TableReader {
   // A table with the keys current, peak and maximum.
   void read(const recording::Key& key, GaugeValues& gauge);
 
-  // What reads each field that it visits (see tal/recording/fields.h).
+  // A visitor that reads each field (see tal/recording/fields.h).
   [[nodiscard]] auto visitor() {
     return [this](const recording::Key& key, auto& field) { read(key, field); };
   }
 
-  // A single number or text; nothing when the key is absent.
+  // A single number or text; nothing if the key is absent.
   [[nodiscard]] std::optional<std::int64_t> number(std::string_view key, std::int64_t lowest,
                                                    std::int64_t highest);
   [[nodiscard]] std::optional<std::string> text(std::string_view key);
 
-  // The reader of a table inside this one; nothing when the key is absent.
+  // The reader of a table inside this one; nothing if the key is absent.
   [[nodiscard]] std::optional<TableReader> table(std::string_view key, std::string where);
 
-  // The tables of a list of tables; none when the key is absent.
+  // The tables of a list of tables; empty if the key is absent.
   [[nodiscard]] std::vector<const Node*> tables(std::string_view key);
 
   // Refuses a table that lacks the key.
@@ -69,7 +69,7 @@ class TableReader {
   // Refuses the value of a key that the table has.
   [[noreturn]] void refuseValue(std::string_view key, std::string_view expected) const;
 
-  // Refuses the first key that was not asked for.
+  // Refuses the first key that was not read.
   void finish() const;
 
  private:

@@ -8,9 +8,9 @@
 namespace tal::sim {
 namespace {
 
-// Longer than every field, so that cutting can be tried.
+// Longer than every field, so that cutting can be tested.
 constexpr std::size_t kTextLimit = 2048;
-// Values for so many refreshes can be listed.
+// A list may have values for this many refreshes.
 constexpr std::size_t kListLimit = 10'000;
 
 std::string quoted(std::string_view text) { return '"' + std::string(text) + '"'; }

@@ -1,5 +1,5 @@
-// One value of a scenario. Every function throws ScenarioError for a value that does not fit,
-// with what it is and what is expected.
+// One value of a scenario. Every function throws ScenarioError for a value that does not fit; the
+// message names the value and what is expected.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace tal::sim {
 
-// In which forms a value may be given.
+// The forms in which a value may be given.
 enum class Forms {
   kOne,        // a single value
   kByRefresh,  // or a list with one for each refresh
@@ -34,7 +34,7 @@ struct NumberValue {
 
 NumberValue numberOf(const Member& member, const NumberFormat& format);
 
-// At least one text; exactly one where no list is allowed.
+// At least one text; exactly one if no list is allowed.
 std::vector<std::string> textsOf(const Member& member, Forms forms);
 
 const Node::Table& tableOf(const Member& member);

@@ -17,7 +17,7 @@ std::optional<char> byteNamed(std::string_view name) {
   return static_cast<char>(byte);
 }
 
-// Appends what stands for "{name}"; false if nothing does.
+// Appends the replacement of "{name}"; false if there is none.
 bool appendNamed(std::string& out, std::string_view name, const Place& place) {
   if (name == "n") {
     out.append(std::to_string(place.item));

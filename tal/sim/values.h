@@ -1,4 +1,4 @@
-// Values of a scenario: what they are depends on the refresh, and on the item among its like.
+// Values of a scenario. They depend on the refresh, and on the number of the item.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace tal::sim {
 
-// Which value is asked for; all numbers run from 1.
+// Which value is requested; all numbers count from 1.
 struct Place {
   std::uint64_t refresh = 1;
   std::uint64_t item = 1;   // among the items of one entry of the scenario
@@ -26,11 +26,11 @@ const Value& byRefresh(const std::vector<Value>& values, std::uint64_t refresh) 
   return values[static_cast<std::size_t>(std::min<std::uint64_t>(refresh, values.size())) - 1];
 }
 
-// `base` after so many steps; it stops at the ends of the 64-bit range.
+// `base` after so many steps, limited to the 64-bit range.
 std::int64_t afterSteps(std::int64_t base, std::int64_t step, std::uint64_t times) noexcept;
 
-// A number that fits a field of type Field at every place: what would leave its range stops at the
-// range's end.
+// A number that fits a field of type Field at every place: it never goes beyond the end of the
+// range.
 template <std::integral Field>
 class Number {
  public:
@@ -52,7 +52,7 @@ class Number {
     return static_cast<Field>(std::clamp(sum, kLowest, kHighest));
   }
 
-  // The largest value that is listed; steps are not looked at.
+  // The largest value in the list; steps are ignored.
   [[nodiscard]] Field largest() const noexcept {
     return static_cast<Field>(std::ranges::max(values_));
   }
@@ -64,7 +64,7 @@ class Number {
 };
 
 // A text in which {n} stands for the number of the item, {owner} for that of its owner and {xHH}
-// for the byte with that hexadecimal number. Other braces stand for themselves.
+// for the byte with that hexadecimal number. Other braces are not changed.
 class Text {
  public:
   Text() : values_(1) {}

@@ -8,8 +8,8 @@
 namespace tal::sql {
 namespace {
 
-// The client libraries give some characters a meaning of their own: a comma separates hosts, an
-// "@" in front names an abstract socket.
+// The client libraries give some characters a meaning of their own: a comma separates hosts, and an
+// "@" at the start names an abstract socket.
 bool isHostCharacter(char character) {
   return character > ' ' && character < '\x7f' &&
          std::string_view(",@/[]").find(character) == std::string_view::npos;

@@ -45,7 +45,7 @@ std::vector<Entry> disarmed(std::vector<Entry> entries) {
   return entries;
 }
 
-// What the worker's jobs own together.
+// The data that the worker's jobs share.
 struct Served {
   SocketCutter cutter;
   std::unique_ptr<Engine> engine;  // null before it is open, and after its session was lost
@@ -122,7 +122,7 @@ class BoundedEngine final : public Engine {
   }
 
   std::chrono::milliseconds limit_;
-  std::shared_ptr<Served> served_ = std::make_shared<Served>();  // null once it was left behind
+  std::shared_ptr<Served> served_ = std::make_shared<Served>();  // null after it was left behind
   Worker worker_;
 };
 

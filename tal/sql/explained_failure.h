@@ -8,9 +8,9 @@
 
 namespace tal::sql {
 
-// The explanation has what only the engine knows: the host and port that were tried, and the
-// system's words for what happened. It goes to standard error as one line, before the text of the
-// status, so it must be free of control characters.
+// The explanation has facts that only the engine knows: the host and port that were tried, and the
+// reason of the system. It goes to standard error as one line, before the text of the status, so it
+// must not have control characters.
 class ExplainedFailure : public Failure {
  public:
   ExplainedFailure(Status status, std::string explanation)

@@ -10,9 +10,10 @@
 
 namespace tal::sql {
 
-// What `connect(address, deadline)` returns for the first address that can be reached. Each gets an
-// equal share of what is left of the time, so that a silent one does not hide the others; a
-// Failure by which a server has answered is not tried elsewhere. `addresses` is not empty.
+// Returns the result of `connect(address, deadline)` for the first address that can be reached.
+// Each gets an equal share of the remaining time, so that a silent one does not hide the others.
+// After a Failure that shows an answer of a server, no other address is tried. `addresses` is not
+// empty.
 template <typename Connect>
 auto firstReachable(const std::vector<std::string>& addresses, const Deadline& deadline,
                     const Connect& connect) {

@@ -1,4 +1,4 @@
-// How much one answer of a server may become: memory, and lines of a report.
+// Limits on one answer of a server: its memory, and its lines in a report.
 #pragma once
 
 #include <cstddef>
@@ -6,7 +6,7 @@
 
 namespace tal::sql {
 
-// Bytes of one answer as they come from the network. Kept rows take a few times as much.
+// Bytes of one answer as they come from the network. Rows in memory take several times as much.
 inline constexpr std::uint64_t kMostBytes = 64ULL << 20U;
 
 // Rows of one answer.

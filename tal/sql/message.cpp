@@ -28,7 +28,8 @@ fs::path messagesFolder() {
   return fs::path(own.dli_fname).parent_path() / "../../share/zelk/messages";
 }
 
-// Only what can be part of a language's name: a locale comes from outside and names a file.
+// Only characters that a language name can have: a locale comes from outside and becomes part of a
+// file name.
 std::string language() {
   const std::string_view locale = std::setlocale(LC_MESSAGES, nullptr);
   std::string name(locale.substr(0, locale.find_first_of(".@")));
@@ -51,7 +52,7 @@ std::optional<std::string> textIn(const fs::path& file, const std::string& key) 
   return std::nullopt;
 }
 
-// A report may be a document that the line would break.
+// The report may be a JSON document, which the line would break.
 bool goesIntoTheReport() {
   struct stat output {};
   struct stat error {};

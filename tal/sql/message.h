@@ -1,4 +1,4 @@
-// What this library says on standard error by itself.
+// The lines that this library itself writes on standard error.
 #pragma once
 
 #include <string>
@@ -7,12 +7,12 @@
 namespace tal::sql {
 
 // The text of "ORV_MSG_P_N_" and `name` in the message bundle TALMSG, in the language of the
-// process's locale; `name` itself where no bundle has it. The bundles lie in
-// ../../share/zelk/messages beside the folder of this library.
+// process's locale; `name` itself if no bundle has it. The bundles are in
+// ../../share/zelk/messages, relative to the folder of this library.
 std::string message(std::string_view name);
 
-// Writes one line to standard error, cleared of what could drive a terminal; nothing when that is
-// the file or pipe of standard output, where a report may be.
+// Writes one line to standard error, without characters that control a terminal. Writes nothing if
+// that is the same file or pipe as standard output, which may hold a report.
 void tell(std::string line);
 
 }  // namespace tal::sql

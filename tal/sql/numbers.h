@@ -1,4 +1,4 @@
-// Numbers of a server, as the interface's 32-bit fields carry them.
+// Numbers of a server in the 32-bit fields of the interface.
 #pragma once
 
 #include <algorithm>
@@ -7,20 +7,20 @@
 
 namespace tal::sql {
 
-// Gauges and totals alike are clamped, never wrapped: a figure that stops rising is seen to be
-// saturated, one that starts again from 0 looks like a restart.
+// Gauges and totals are clamped, never wrapped. Users see that a figure that stops rising has
+// reached its limit, but one that starts again from 0 looks like a restart.
 constexpr std::uint32_t clampUnsigned(std::int64_t value) noexcept {
   constexpr std::int64_t kLargest = std::numeric_limits<std::uint32_t>::max();
   return static_cast<std::uint32_t>(std::clamp<std::int64_t>(value, 0, kLargest));
 }
 
-// A maximum, which the interface carries signed.
+// A maximum, which is signed in the interface.
 constexpr std::int32_t clampMaximum(std::int64_t value) noexcept {
   constexpr std::int64_t kLargest = std::numeric_limits<std::int32_t>::max();
   return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, 0, kLargest));
 }
 
-// What a server sends is not trusted not to overflow.
+// The sum of two numbers of a server may overflow, so it is clamped.
 constexpr std::int64_t saturatingSum(std::int64_t left, std::int64_t right) noexcept {
   std::int64_t sum = 0;
   if (!__builtin_add_overflow(left, right, &sum)) return sum;

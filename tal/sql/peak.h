@@ -9,11 +9,11 @@
 
 namespace tal::sql {
 
-// The highest value of one figure that was served since the connection was opened. The first
-// sample is its own peak.
+// The highest value of one figure since the connection was opened. The first sample is its own
+// peak.
 class Peak {
  public:
-  // The gauge for a new sample; `maximum` is 0 where there is none.
+  // The gauge for a new sample; `maximum` is 0 if there is none.
   Gauge sample(std::int64_t current, std::int64_t maximum = 0) noexcept {
     highest_ = std::max(highest_, clampUnsigned(current));
     return {clampUnsigned(current), highest_, clampMaximum(maximum)};

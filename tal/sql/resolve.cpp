@@ -27,7 +27,7 @@ std::string numericText(const addrinfo& entry) {
 
 struct Found {
   Addresses addresses;
-  int error = 0;  // of getaddrinfo(), when there is no address
+  int error = 0;  // of getaddrinfo(), if there is no address
 };
 
 Found lookUp(const std::string& host, int flags) {
@@ -49,8 +49,8 @@ Found lookUp(const std::string& host, int flags) {
   return {addresses, addresses.empty() ? EAI_NONAME : 0};
 }
 
-// The thread cannot be stopped: past the deadline it is left to end by itself, and owns all that it
-// uses.
+// The thread cannot be stopped: after the deadline it is left behind and ends by itself. So it owns
+// everything that it uses.
 std::future<Found> startLookUp(const std::string& host) {
   std::packaged_task<Found()> task([host] { return lookUp(host, 0); });
   std::future<Found> result = task.get_future();

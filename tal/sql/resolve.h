@@ -1,5 +1,5 @@
-// Looking up host names within a time limit. The system's own look-up has none that a caller could
-// set, and the client libraries use it as it is.
+// Looking up host names within a time limit. In the look-up of the system, which the client
+// libraries use, a caller cannot set a limit.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ namespace tal::sql {
 
 // The numeric addresses of a host, in the order in which they should be tried; at least one. A
 // numeric host is its own address. Throws Failure: kCannotReach for an unknown host (an
-// ExplainedFailure), kNoAnswer when `deadline` passes first.
+// ExplainedFailure), kNoAnswer if `deadline` passes first.
 std::vector<std::string> resolveHost(const std::string& host, const Deadline& deadline);
 
 // Whether a numeric address is one of this machine's loopback addresses.

@@ -1,5 +1,5 @@
-// Rows of a statement's result, as decoders read them: from a server, or from a test's table. What
-// a server sends is not trusted: a decoder meets any text, any number and NULL in any column.
+// Rows of a statement's result, as decoders read them: from a server, or from a test's table. The
+// server is not trusted: a decoder must accept any text, any number and NULL in any column.
 #pragma once
 
 #include <cstddef>
@@ -18,7 +18,7 @@ class RowSource {
   RowSource& operator=(const RowSource&) = delete;
   virtual ~RowSource() = default;
 
-  // Moves to the next row; false when there is none.
+  // Moves to the next row; false if there is none.
   virtual bool next() = 0;
   // The text of a column (from 0) in the present row, nothing for NULL and for a column that the
   // result does not have. Valid until next() is called.
@@ -28,12 +28,12 @@ class RowSource {
 // A column as text; NULL is the empty text.
 std::string text(const RowSource& row, std::size_t column);
 
-// A column as a whole number. NULL is 0, and what does not fit 64 bits is the nearest that does.
-// Throws Failure(kServerError) for a text that is no whole number.
+// A column as a whole number. NULL is 0; a number that does not fit 64 bits becomes the nearest one
+// that does. Throws Failure(kServerError) for a text that is not a whole number.
 std::int64_t integer(const RowSource& row, std::size_t column);
 
-// A column as a number of the interface: what is below 0 is 0, what does not fit 32 bits is the
-// largest that does. Throws as integer() does.
+// A column as a number of the interface: a number below 0 becomes 0, and one that does not fit 32
+// bits the largest that does. Throws as integer() does.
 std::uint32_t count(const RowSource& row, std::size_t column);
 
 }  // namespace tal::sql

@@ -4,8 +4,8 @@
 
 namespace tal::sql {
 
-// Keeps signals away from threads started while it lives: they are the program's business. Restores
-// the calling thread's mask at its end.
+// Keeps signals away from threads that are started while it exists: the program handles them. The
+// destructor restores the mask of the calling thread.
 class SignalsBlocked {
  public:
   SignalsBlocked() {

@@ -1,11 +1,12 @@
-// Ending a wait that a client library is in.
+// Ends a wait inside a client library.
 #pragma once
 
 #include <mutex>
 
 namespace tal::sql {
 
-// Shuts a socket down from another thread: whatever waits for it then goes on, and fails.
+// Shuts a socket down from another thread. A function that waits for the socket then returns with
+// an error.
 class SocketCutter {
  public:
   SocketCutter() = default;
@@ -13,11 +14,11 @@ class SocketCutter {
   SocketCutter& operator=(const SocketCutter&) = delete;
   ~SocketCutter();
 
-  // Names the socket, in place of an earlier one; -1 names none. It may be closed at any time: a
-  // duplicate is kept, which closes with this object.
+  // Names the socket, in place of an earlier one; -1 names none. The caller may close it at any
+  // time, because this object keeps a duplicate and closes it at its end.
   void watch(int socket) noexcept;
 
-  // Shuts down the socket, and each that is named from now on.
+  // Shuts down the socket, and each one that is named later.
   void cut() noexcept;
 
  private:

@@ -15,7 +15,7 @@ namespace {
 
 std::atomic<int> leftBehind{0};
 
-// A thread that is inside a client library or its cryptography must not see them cleaned up.
+// The client library and its cryptography must not be cleaned up while a thread is inside them.
 void endAtOnce(int exitCode, void* /*argument*/) {
   if (leftBehind == 0) return;
   std::fflush(nullptr);
@@ -36,7 +36,7 @@ struct Worker::Mailbox {
   bool isClosed = false;
   bool isAbandoned = false;
 
-  // The next job, empty when there will be none.
+  // The next job; empty if there will be none.
   std::function<void()> take() {
     std::unique_lock lock(mutex);
     changed.wait(lock, [this] { return job || isClosed; });
@@ -52,7 +52,7 @@ struct Worker::Mailbox {
     changed.notify_one();
   }
 
-  // Everything that the jobs own is gone by then.
+  // By then everything that the jobs own is destroyed.
   void end() {
     const std::lock_guard lock(mutex);
     if (isAbandoned) --leftBehind;

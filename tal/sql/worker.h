@@ -11,9 +11,9 @@
 
 namespace tal::sql {
 
-// One thread, asleep between jobs, that no signal reaches. A job that does not end in time is left
-// behind with its thread: it ends when it can, and must own all that it uses. When the process ends
-// before it, the process ends without the exit handlers of libraries that the thread may be in.
+// One thread, which sleeps between jobs and gets no signals. A job that does not end in time is
+// left behind with its thread. It ends when it can, and must own everything that it uses. If the
+// process ends first, it skips the exit handlers of libraries that the thread may be using.
 class Worker {
  public:
   Worker();
@@ -21,8 +21,8 @@ class Worker {
   Worker& operator=(const Worker&) = delete;
   ~Worker();
 
-  // What `job` returns or throws; nothing when it takes longer than `limit`. After that no other
-  // job may be run.
+  // Returns or throws the result of `job`, or returns nothing if it takes longer than `limit`.
+  // After that no other job may be run.
   template <typename Job, typename Result = std::invoke_result_t<Job>>
   std::optional<Result> run(Job job, std::chrono::milliseconds limit) {
     const auto task = std::make_shared<std::packaged_task<Result()>>(std::move(job));

@@ -18,7 +18,7 @@ class FileDescriptor {
   }
   ~FileDescriptor() { close(); }
 
-  // -1 when nothing is open.
+  // -1 if nothing is open.
   [[nodiscard]] int number() const { return number_; }
   [[nodiscard]] bool isOpen() const { return number_ >= 0; }
 

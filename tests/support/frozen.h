@@ -5,11 +5,11 @@
 
 namespace testing_support {
 
-// The process does nothing as long as this object lives.
+// The process does nothing while this object exists.
 class Frozen {
  public:
-  // Returns when all its threads stand, which takes the system a moment. Throws std::runtime_error
-  // if they do not.
+  // Returns when all its threads have stopped, which takes the system a moment. Throws
+  // std::runtime_error if they do not.
   explicit Frozen(pid_t process);
   Frozen(const Frozen&) = delete;
   Frozen& operator=(const Frozen&) = delete;

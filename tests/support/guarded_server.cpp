@@ -14,10 +14,10 @@
 namespace testing_support {
 namespace {
 
-// Makes the data, runs the server on them and says its process id. At a line on its standard input
-// it stops the server and runs it again; at the end of the input it stops it and removes the
-// folder. A terminal's interrupt must not end it before that. A server that stands still gets no
-// signal before it goes on.
+// Creates the data, runs the server on them and prints its process id. For each line on its
+// standard input it stops the server and runs it again; at the end of the input it stops it and
+// removes the folder. An interrupt from the terminal must not end it before that. A frozen server
+// gets signals only after it continues.
 constexpr const char* kGuardian = R"(
   trap '' INT TERM HUP
   folder=$1 signal=$2 prepare=$3

@@ -17,9 +17,9 @@
 
 namespace testing_support {
 
-// How a kind of server is made and run.
+// How to create and run one kind of server.
 struct ServerPlan {
-  const char* user = nullptr;        // runs it when the tests are root, which servers refuse to be
+  const char* user = nullptr;        // runs it if the tests run as root, which servers refuse
   std::string prepare;               // shell commands that make its data in the folder "$folder"
   std::vector<std::string> command;  // what runs until the signal below
   int stopSignal = 0;                // ends the server and all sessions at once
@@ -35,8 +35,8 @@ class GuardedServer {
   using Planner =
       std::function<ServerPlan(const std::filesystem::path& folder, std::uint16_t port)>;
 
-  // Starts the server and waits until it answers. Throws std::runtime_error with its log as soon as
-  // it has ended instead.
+  // Starts the server and waits until it answers. If the server ends instead, throws
+  // std::runtime_error with its log at once.
   explicit GuardedServer(const Planner& planner);
   GuardedServer(const GuardedServer&) = delete;
   GuardedServer& operator=(const GuardedServer&) = delete;
@@ -49,12 +49,13 @@ class GuardedServer {
   // All that the server has logged so far.
   [[nodiscard]] std::string log() const;
 
-  // Throws std::runtime_error with the log when the server has ended.
+  // Throws std::runtime_error with the log if the server has ended.
   void requireRunning() const;
 
   // Stops the server and starts it again on the same data and port. Returns when it answers.
   void restart();
-  // Stops the server: sessions are cut off, later logins find nobody. Returns when it has ended.
+  // Stops the server: sessions are cut off, and later logins find no server. Returns when it has
+  // ended.
   void stop();
 
  private:

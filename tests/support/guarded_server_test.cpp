@@ -10,7 +10,7 @@ namespace {
 
 using std::chrono::steady_clock;
 
-// A server that writes to its log, and lives as the shell's words say.
+// A server that writes to its log and then does what the shell command says.
 GuardedServer::Planner planOf(const std::string& life) {
   return [life](const std::filesystem::path& folder, std::uint16_t port) {
     return ServerPlan{

@@ -1,4 +1,4 @@
-// The low end of starting a child process.
+// The lowest step of starting a child process.
 #pragma once
 
 #include <signal.h>

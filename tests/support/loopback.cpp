@@ -16,7 +16,7 @@
 namespace testing_support {
 namespace {
 
-// Below the ports that Linux gives to who asks for any.
+// Below the ports that Linux chooses when a program requests any port.
 constexpr int kFirstPort = 20000;
 constexpr int kPorts = 10000;
 
@@ -49,8 +49,8 @@ std::uint16_t portOf(const FileDescriptor& socket) {
   return ntohs(address.sin_port);
 }
 
-// Holds a name that one socket of the machine can have at a time: it lives in no file and goes with
-// the process. Not open when another holds it.
+// Holds a name that only one socket of the machine can have at a time. The name needs no file and
+// ends with the process. Not open if another socket holds it.
 FileDescriptor claim(std::uint16_t port) {
   FileDescriptor result(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
   sockaddr_un address{};

@@ -1,4 +1,4 @@
-// Ports of this machine: free ones, and ones on which somebody unexpected listens.
+// Ports of this machine: free ones, and ones with an unexpected listener.
 #pragma once
 
 #include <cstdint>
@@ -9,11 +9,12 @@
 
 namespace testing_support {
 
-// A port of 127.0.0.1 on which nobody listens. As long as the object lives, no other ReservedPort
-// on this machine is the same, and the system gives the port to nobody who asks for any free port.
+// A port of 127.0.0.1 on which nobody listens. While the object exists, no other ReservedPort on
+// this machine has the port, and the system does not choose it for a program that requests any free
+// port.
 class ReservedPort {
  public:
-  // Throws std::runtime_error when all are taken.
+  // Throws std::runtime_error if all ports are taken.
   ReservedPort();
 
   [[nodiscard]] std::uint16_t number() const { return number_; }
@@ -23,8 +24,8 @@ class ReservedPort {
   std::uint16_t number_ = 0;
 };
 
-// Listens on a port of this machine, a free one unless it is named. Connections are made, and
-// nothing is ever said on them.
+// Listens on a port of this machine, a free one unless it is named. Accepts connections and never
+// sends anything on them.
 class SilentListener {
  public:
   explicit SilentListener(const char* host = "127.0.0.1", std::uint16_t port = 0);
@@ -37,7 +38,7 @@ class SilentListener {
   std::uint16_t port_ = 0;
 };
 
-// Says one sentence to its first visitor, and listens until that hangs up.
+// Sends one text to its first visitor, and reads until the visitor hangs up.
 class ForeignListener : public SilentListener {
  public:
   explicit ForeignListener(std::string sentence);
@@ -45,7 +46,7 @@ class ForeignListener : public SilentListener {
   ForeignListener& operator=(const ForeignListener&) = delete;
   ~ForeignListener();
 
-  // What the visitor has said. Waits until it has hung up.
+  // The bytes that the visitor has sent. Waits until it has hung up.
   const std::string& heard();
 
  private:

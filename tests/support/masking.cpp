@@ -7,8 +7,8 @@ namespace testing_support {
 namespace {
 
 // In a form, "@@@" is a day of the week, "&&&" a month, "#" a digit, "%" a digit below 2 and "^"
-// the first letter of AM or PM; all else stands for itself. A placeholder has the length of its
-// form.
+// the first letter of AM or PM; every other character means itself. A placeholder has the length of
+// its form.
 struct Mask {
   std::string_view form;
   std::string_view placeholder;
@@ -45,7 +45,7 @@ bool fits(char character, char form) {
   }
 }
 
-// True if the text, which is as long as the form, has it.
+// True if the text, which is as long as the form, matches it.
 bool hasForm(std::string_view text, std::string_view form) {
   for (std::size_t i = 0; i < form.size(); ++i) {
     const bool isName = form[i] == '@' || form[i] == '&';

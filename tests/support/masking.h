@@ -1,4 +1,4 @@
-// Takes out of an output what differs from run to run.
+// Masks the parts of an output that differ from run to run.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 namespace testing_support {
 
 // Replaces the times that zelk prints by placeholders of the same length. Only well-formed times
-// are replaced, so that a wrong form shows. Expected files hold the placeholders:
+// are replaced, so that a wrong form is noticed. Expected files hold the placeholders:
 //
 //   <Ddd Mmm 00 00:00:00 UTC 0000>            the first line of the settings in text
 //   *** START RECORD 00/00/00 00:00 XM ***    the start line in text

@@ -129,7 +129,7 @@ void Process::write(std::string_view text) {
   while (!text.empty()) {
     const ssize_t count = ::write(input_.number(), text.data(), text.size());
     if (count < 0) {
-      return;  // the program reads no more: its ending tells
+      return;  // the program reads no more: its end shows why
     }
     text.remove_prefix(static_cast<std::size_t>(count));
   }

@@ -17,8 +17,8 @@
 
 namespace testing_support {
 
-// How long a test waits for what must come. Far above any real duration, so that a busy machine or
-// a sanitizer cannot break a test: a test that reaches it has failed.
+// The longest time that a test waits. It is far above any real duration, so that a busy machine or
+// a sanitizer cannot break a test. A test that reaches it has failed.
 inline constexpr std::chrono::seconds kDeadline{30};
 
 // Standard input of a program.
@@ -40,7 +40,7 @@ struct Input {
 
 std::ostream& operator<<(std::ostream& out, const Input& input);
 
-// A program and what surrounds it. Signals that are not named start with their default action.
+// A program and its environment. Signals that are not named start with their default action.
 struct Command {
   std::filesystem::path program;
   std::vector<std::string> arguments = {};
@@ -52,7 +52,7 @@ struct Command {
   std::optional<std::filesystem::path> error = {};
   std::optional<std::size_t> fileSizeLimit = {};  // bytes, of every regular file written
   std::vector<int> ignoredSignals = {};
-  bool withoutPrivileges = false;  // as a user to whom permissions apply, should the test be root
+  bool withoutPrivileges = false;  // run as an ordinary user, even if the test is root
   bool controlsTerminal = false;   // lead a session of its own, standard input is its terminal
 };
 
@@ -103,7 +103,7 @@ class Process {
   // True once the program has ended; reaps it.
   bool hasEnded();
 
-  // What was read up to now.
+  // The output that was read so far.
   [[nodiscard]] const std::string& output() const { return outputText_; }
   [[nodiscard]] const std::string& error() const { return errorText_; }
 
@@ -123,7 +123,7 @@ class Process {
   std::string errorText_;
 };
 
-// What a finished program left.
+// The output and the end of a finished program.
 struct Result {
   Ending ending;
   std::string output;

@@ -1,13 +1,14 @@
-// What memory this process has.
+// The memory of this process.
 #pragma once
 
 namespace testing_support {
 
-// In KiB. Both throw std::runtime_error when the system does not tell.
+// In KiB. Both throw std::runtime_error if the system does not say.
 long residentMemory();
 long peakResidentMemory();
 
-// The peak is what is resident now. Throws std::runtime_error when that is impossible.
+// Resets the peak to the memory that is resident now. Throws std::runtime_error if that is
+// impossible.
 void resetPeak();
 
 }  // namespace testing_support

@@ -17,7 +17,7 @@ int checked(int result, const char* call) {
   return result;
 }
 
-// Opens the file under the number; gives what was there before.
+// Opens the file with this descriptor number; returns a copy of the descriptor that had it.
 FileDescriptor replaceByFile(int number, const std::filesystem::path& path, int flags) {
   FileDescriptor original(checked(fcntl(number, F_DUPFD_CLOEXEC, 0), "fcntl"));
   const FileDescriptor file(checked(open(path.c_str(), flags, 0600), "open"));

@@ -1,4 +1,4 @@
-// The process's standard streams, while a test looks at them.
+// The standard streams of the process while a test reads or replaces them.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace testing_support {
 
-// Standard output goes into a file while this lives.
+// While this exists, standard output goes into a file.
 class CapturedOutput {
  public:
   CapturedOutput();
@@ -17,7 +17,7 @@ class CapturedOutput {
   CapturedOutput& operator=(const CapturedOutput&) = delete;
   ~CapturedOutput();
 
-  // What was written so far.
+  // The bytes written so far.
   [[nodiscard]] std::string text() const;
 
  private:
@@ -25,7 +25,7 @@ class CapturedOutput {
   testing_support::FileDescriptor original_;
 };
 
-// Standard input holds these bytes, and then ends, while this lives.
+// While this exists, standard input has these bytes and then ends.
 class TypedInput {
  public:
   explicit TypedInput(std::string_view bytes);

@@ -1,4 +1,4 @@
-// A folder of a test's own, removed with all that it holds.
+// A folder for one test, which is removed with everything in it.
 #pragma once
 
 #include <filesystem>

@@ -19,7 +19,8 @@ class Terminal {
   // Types the keys. "\x03" interrupts, as Ctrl-C does.
   void type(std::string_view keys) const;
 
-  // Reads until the screen holds the text; a deadline or the program's end before fails the test.
+  // Reads until the screen holds the text; if the deadline passes or the program ends first, the
+  // test fails.
   bool waitFor(std::string_view text);
 
   // Closes the terminal, as a lost connection does: the program gets SIGHUP and can no longer use
@@ -29,11 +30,11 @@ class Terminal {
   // Reads all that is written and waits for the program's end.
   Ending wait();
 
-  // What was written up to now, line ends as "\n".
+  // The output so far, with line ends as "\n".
   [[nodiscard]] const std::string& screen() const { return screen_; }
 
  private:
-  // Reads what the terminal holds at the moment.
+  // Reads the output that is in the terminal at the moment.
   void read();
 
   FileDescriptor master_;

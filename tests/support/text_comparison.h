@@ -16,7 +16,7 @@ std::string differences(const std::string& expected, const std::string& actual);
 ::testing::AssertionResult sameText(const char* expectedExpression, const char* actualExpression,
                                     const std::string& expected, const std::string& actual);
 
-// Compares with the contents of a file; without the file, nothing is expected. With
+// Compares with the contents of a file; if there is no file, the text must be empty. With
 // ZELK_UPDATE_GOLDENS=1 in the environment the file is rewritten instead; an empty text makes no
 // new file.
 ::testing::AssertionResult sameAsFile(const std::filesystem::path& expected,

@@ -7,7 +7,7 @@
 
 namespace testing_support {
 
-// Sets an environment variable as long as it exists.
+// Sets an environment variable while this object exists.
 class Variable {
  public:
   Variable(const char* name, const std::string& value) : name_(name) {

@@ -1,4 +1,4 @@
-// Waiting for what others do in their own time.
+// Waiting for a condition that others fulfil.
 #pragma once
 
 #include <chrono>
@@ -6,7 +6,7 @@
 
 namespace testing_support {
 
-// Asks until the condition holds, at most until kDeadline. Returns whether it came to hold.
+// Checks the condition until it holds, at most for kDeadline. Returns whether it holds.
 [[nodiscard]] bool waitUntil(const std::function<bool()>& condition,
                              std::chrono::milliseconds pause = std::chrono::milliseconds(5));
 

@@ -10,7 +10,7 @@
 namespace fake_engine {
 namespace {
 
-// The fields of a line, taken one after the other.
+// The fields of a line, read one after the other.
 class Fields {
  public:
   explicit Fields(const std::string& line) {

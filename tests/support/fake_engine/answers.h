@@ -14,7 +14,7 @@
 //          PROCESS CONNECTION NAME
 //   handle MODE LOCK WAIT TRANSACTION FILENAME                           of the client above
 //   connection HOST DATASOURCE APPLICATION ADDRESS USER STATUS PERIOD TOTAL
-//   announce FUNCTION N         the count that a ...Data function tells, whatever follows
+//   announce FUNCTION N         the count that a ...Data function returns, whatever follows
 //   status FUNCTION CALL N      the status of this function's call with that number, from 1
 //   throw FUNCTION CALL WHAT    that call throws: "memory" (std::bad_alloc) or "other"
 //   pause FUNCTION CALL FIFO    that call waits until somebody opens the FIFO for writing

@@ -1,6 +1,6 @@
-// A call of the engine interface as a record: what is asked, and where the answer goes. The 23
-// functions stand once, in functions.cpp. What they answer is up to serve(), which each program
-// that links them defines for itself.
+// A call of the engine interface as a record: its arguments, and the places for the answer. The 23
+// functions are written once, in functions.cpp. Their answers come from serve(), which each program
+// that links them defines.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ enum class Kind {
   kDisconnect,
   kAsk,      // about the engine, a file or a client
   kTake,     // a snapshot of a list, or of the handles of a file or client
-  kEntry,    // one entry of that
+  kEntry,    // one entry of a snapshot
   kRelease,  // of a snapshot of a list
 };
 
@@ -36,20 +36,20 @@ struct Call {
   Kind kind = Kind::kAsk;
   List list = List::kNone;
 
-  // What was passed; empty or null where the function has no such parameter.
+  // The arguments; empty or null if the function has no such parameter.
   std::optional<std::int32_t> handle = {};
   std::optional<std::uint32_t> index = {};
   const tagTALCLIENTID* client = nullptr;
   const char* texts[3] = {};  // server, user and password, or the name of a file
 
-  // What is to be filled; null where the function has no such parameter.
+  // The places to fill; null if the function has no such parameter.
   std::int32_t* number = nullptr;  // a connection's handle, the engine's type
   std::uint32_t* count = nullptr;  // the length of a list, the size of the name buffer
   char* name = nullptr;
   Structure structure = {};
 };
 
-// The same call to the library behind this one. Allocates nothing.
+// Makes the same call to the next library. Allocates nothing.
 class Next {
  public:
   virtual std::int16_t operator()() const = 0;
@@ -61,11 +61,11 @@ class Next {
 // Answers a call.
 std::int16_t serve(const Call& call, const Next& next);
 
-// The call without what it fills, for instance "TalGetOpenFileName(7, 1)"; a client is written
-// "text/first/task".
+// The call without the places that it fills, for instance "TalGetOpenFileName(7, 1)"; a client is
+// written "text/first/task".
 std::string textOf(const Call& call);
 
-// The structure or name that is to be filled; empty when the call fills numbers only.
+// The structure or name to fill; empty if the call fills numbers only.
 std::span<char> filledBytes(const Call& call);
 
 // Whether the caller has cleared it, as it must.

@@ -18,7 +18,7 @@ void note(Call& call, const char* text) {
   call.texts[next] = text;
 }
 
-// Of several numbers the last one means something.
+// If a function has several numbers, the last one is the one that matters.
 void note(Call& call, std::int32_t* number) {
   *number = -1;
   call.number = number;

@@ -1,6 +1,6 @@
-// The fake engine as a library in the place of the product's: it answers what the file says that
-// the environment names (FAKE_ENGINE), and appends a line for each call to another (FAKE_TRACE).
-// Without the one it is idle, without the other it leaves no trace.
+// The fake engine as a library that replaces the product's. It gives the answers in the file that
+// FAKE_ENGINE names, and appends a line for each call to the file that FAKE_TRACE names. Without
+// FAKE_ENGINE it answers like an idle engine; without FAKE_TRACE it writes no trace.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -41,7 +41,7 @@ void trace(const Call& call) {
   static_cast<void>(!::write(session().trace.number(), line.data(), line.size()));
 }
 
-// Opening a FIFO for reading waits for a writer; a signal that is handled must not end the wait.
+// Opening a FIFO for reading waits for a writer. A signal that is handled must not end this wait.
 void waitForWriter(const std::string& fifo) {
   FileDescriptor reader;
   do {
@@ -49,7 +49,7 @@ void waitForWriter(const std::string& fifo) {
   } while (!reader.isOpen() && errno == EINTR);
 }
 
-// No engine should do this; it shows what the program makes of a failure without a name.
+// No engine should do this; it shows how the program handles an unknown failure.
 [[noreturn]] void throwException(const std::string& what) {
   if (what == "memory") throw std::bad_alloc();
   throw what;

@@ -1,4 +1,4 @@
-// What an engine answers, as a record.
+// The answers of an engine, as a record.
 #pragma once
 
 #include <algorithm>
@@ -40,11 +40,11 @@ struct Record {
   std::map<std::string, std::uint32_t> counts;
 };
 
-// Answers the call from the record: 7008 behind the end of a list, 7010 for an unknown client, 7015
+// Answers the call from the record: 7008 after the end of a list, 7010 for an unknown client, 7015
 // for an unknown file, otherwise 0.
 std::int16_t answer(const Record& record, const Call& call);
 
-// Puts a text into a field of a structure: with its NUL where that fits, else to the field's end.
+// Puts a text into a field of a structure, with a NUL if there is room for it.
 template <std::size_t kSize>
 void setText(char (&field)[kSize], std::string_view text) {
   std::fill_n(field, kSize, '\0');
