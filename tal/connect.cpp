@@ -8,7 +8,7 @@
 namespace tal {
 namespace {
 
-// An engine is either built in or in the module of that file name.
+// An engine is either built in, or in the module with this file name.
 struct Scheme {
   std::string_view prefix;
   OpenEngine* builtIn;

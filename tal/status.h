@@ -23,7 +23,7 @@ enum class Status : std::int16_t {
   kConnectionLost = 7106,       // the server ended the session or went away
   kNoAnswer = 7107,             // no answer within the time limit
   kUnknownHandle = 7108,        // the handle is of no open connection
-  kNoSnapshot = 7109,           // the list was not asked for, or was released
+  kNoSnapshot = 7109,           // the list was not taken, or was released
   kVersionNotSupported = 7110,  // the server is older than what the library can ask
   kScenarioWrong = 7111,        // a scenario file cannot be read or does not fit its format
   kOutOfMemory = 7112,          // the library ran out of memory
@@ -32,7 +32,7 @@ enum class Status : std::int16_t {
   kUnknownDatabase = 7115,      // the database in the server name does not exist
   kNoConnectionSlot = 7116,     // the server has no free connection for this account
   kServerNotReady = 7117,       // the server is starting, stopping or recovering
-  kTlsFailed = 7118,            // the encrypted connection that was asked for cannot be made
+  kTlsFailed = 7118,            // the required encrypted connection cannot be made
   kCatalogLocked = 7119,        // the server's own catalog is locked; nothing can be asked now
   kServerError = 7120,          // the server refused a statement for another reason
   kBadServerName = 7121,        // the scheme is known, but the rest of the name cannot be read

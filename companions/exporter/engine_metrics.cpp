@@ -86,7 +86,7 @@ std::string protocolName(std::uint32_t code) {
 }
 
 void addProtocols(Metrics& metrics, const std::vector<tal::Protocol>& protocols) {
-  std::map<std::uint32_t, tal::Protocol> byCode;  // an engine may name one twice
+  std::map<std::uint32_t, tal::Protocol> byCode;  // an engine may list a protocol twice
   for (const tal::Protocol& each : protocols) byCode.emplace(each.code, each);
   for (const auto& [code, protocol] : byCode) {
     const Labels labels = {

@@ -65,7 +65,7 @@ struct Definition {
   Metric metric;
   const char* name;
   Type type;
-  const char* unit;  // empty where there is none
+  const char* unit;  // empty if there is none
   const char* help;
 };
 

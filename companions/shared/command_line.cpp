@@ -79,7 +79,7 @@ std::optional<std::vector<std::string>> readOptions(
     const Program& program, int argc, char** argv, std::span<const Option> options,
     const std::function<void(int code, const std::string& value)>& take) {
   Getopt getopt(options);
-  optind = 0;  // begins anew, whatever was read before
+  optind = 0;  // starts again from the first argument
   for (int code = getopt.next(argc, argv); code != -1; code = getopt.next(argc, argv)) {
     switch (code) {
       case 'h':

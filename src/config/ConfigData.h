@@ -5,7 +5,7 @@
 
 #include "orv/String.h"
 
-// What the configuration file says, as ConfigFileReader fills it in.
+// The settings of the configuration file, as ConfigFileReader reads them.
 class ConfigData {
  public:
   virtual ~ConfigData() = default;

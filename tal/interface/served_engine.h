@@ -13,7 +13,7 @@
 namespace tal::interface {
 
 // An engine and the snapshots that were taken from it: at most one of each kind, kept until it is
-// released or taken anew. Every failure is thrown as Failure; a look-up allocates nothing.
+// released or taken again. Every failure is thrown as Failure; a look-up allocates nothing.
 class ServedEngine {
  public:
   explicit ServedEngine(std::unique_ptr<Engine> engine) noexcept;

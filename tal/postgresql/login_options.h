@@ -8,7 +8,7 @@
 namespace tal::postgresql {
 
 // A setting of the session that a monitor needs to be harmless, in the order of the columns of
-// account.sql from the second on: as it is asked for at login, and as the server shows it.
+// account.sql from the second on: as it is requested at login, and as the server shows it.
 struct Setting {
   const char* name;
   const char* value;
@@ -35,7 +35,7 @@ enum class Encryption : std::uint8_t {
 };
 
 struct Target {
-  std::string host;     // name, numeric address or socket folder; the password file is asked for it
+  std::string host;     // name, numeric address or socket folder; used for the password file
   std::string address;  // numeric; empty for a socket
   std::uint16_t port = 0;
   std::string database;

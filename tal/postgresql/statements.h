@@ -19,7 +19,7 @@ extern const char kAccount[];
 struct Statement {
   const char* name;
   std::string text;
-  std::size_t columns;  // of its result; an answer with others is none
+  std::size_t columns;  // of its result; an answer with other columns is refused
 };
 
 const Statement& filesStatement();

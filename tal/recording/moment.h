@@ -12,12 +12,12 @@ namespace tal::recording {
 
 // The place of a moment in the run of a recorder. Durations are in microseconds.
 struct Heading {
-  std::string run;             // a UUID, made anew for each run
+  std::string run;             // a UUID, a new one for each run
   std::uint64_t sequence = 1;  // 1, 2, 3, ... within the run
   std::int64_t time = 0;       // when collecting began, microseconds since 1970 UTC
   std::int32_t zone = 0;       // the local time was so many minutes ahead of UTC then
   std::uint64_t elapsed = 0;   // since the run began, by a clock that nobody sets
-  std::uint64_t interval = 0;  // that was asked for
+  std::uint64_t interval = 0;  // as requested
   std::uint64_t missed = 0;    // moments that were skipped since the last one
   std::uint64_t took = 0;      // how long collecting took
   std::string server;          // the server name as configured

@@ -149,7 +149,7 @@ struct SqlConnectionEntry {
 struct Fault {
   Call call = Call::kStop;
   std::optional<std::uint32_t> at;       // which call, from 1; every one without it
-  std::optional<std::uint32_t> refresh;  // in which refresh, from 1; counted anew in each
+  std::optional<std::uint32_t> refresh;  // in which refresh, from 1; `at` then counts within it
   Status status = Status::kInternalError;
 };
 

@@ -18,7 +18,7 @@ std::uint16_t parsePort(std::string_view text, std::uint16_t defaultPort);
 
 // Reads "host", "host:port", "[address]" or "[address]:port"; a port that is left out or empty is
 // `defaultPort`. Host names hold visible ASCII other than , @ / [ ] and :. Throws
-// Failure(kBadServerName) when `text` is none of these.
+// Failure(kBadServerName) if `text` has another form.
 Address parseAddress(std::string_view text, std::uint16_t defaultPort);
 
 }  // namespace tal::sql

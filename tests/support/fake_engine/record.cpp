@@ -17,7 +17,7 @@ const Client* clientOf(const Record& record, const Call& call) {
   return found == record.clients.end() ? nullptr : &*found;
 }
 
-// The entry of the call, or null behind the end.
+// The entry that the call requests, or null after the end.
 template <typename Entry>
 const Entry* entryOf(const std::vector<Entry>& list, const Call& call) {
   return *call.index < list.size() ? &list[*call.index] : nullptr;
