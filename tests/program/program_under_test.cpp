@@ -23,12 +23,13 @@ std::filesystem::path builtTree() { return builtProgram().parent_path().parent_p
 
 Environment plainEnvironment() {
   return {
-      {"TZ",          "UTC"       },
-      {"LC_ALL",      "C"         },
-      {"LANG",        std::nullopt},
-      {"LANGUAGE",    std::nullopt},
-      {"FAKE_ENGINE", std::nullopt},
-      {"FAKE_TRACE",  std::nullopt}
+      {"TZ",            "UTC"       },
+      {"LC_ALL",        "C"         },
+      {"LANG",          std::nullopt},
+      {"LANGUAGE",      std::nullopt},
+      {"FAKE_ENGINE",   std::nullopt},
+      {"FAKE_SCENARIO", std::nullopt},
+      {"FAKE_TRACE",    std::nullopt}
   };
 }
 
@@ -58,6 +59,16 @@ std::filesystem::path builtModule(const std::string& engine) {
 }
 
 std::filesystem::path fakeEngine() { return FAKE_ENGINE_LIBRARY; }
+
+void useFakeEngine(testing_support::Command& command) {
+  const auto set = [&](const char* variable, const char* file) {
+    if (std::filesystem::exists(command.folder / file)) {
+      command.environment[variable] = command.folder / file;
+    }
+  };
+  set("FAKE_ENGINE", "engine");
+  set("FAKE_SCENARIO", "scenario.toml");
+}
 
 ProgramTree::ProgramTree(const std::filesystem::path& folder) : folder_(folder) {
   for (const char* const part : {"bin/zelk", "lib/zelk/libtal.so", "share/zelk/messages"}) {
@@ -108,14 +119,13 @@ std::string configuration(const std::vector<std::pair<std::string, std::string>>
 Workplace::Workplace() : tree_(folder_ / "tree") {
   tree_.replaceEngine(fakeEngine());
   configure({});
-  setEngine("");
 }
 
 testing_support::Command Workplace::command(std::vector<std::string> arguments) const {
   testing_support::Command command{.program = tree_.program(), .arguments = std::move(arguments)};
   command.folder = folder_.path();
   command.environment = plainEnvironment();
-  command.environment["FAKE_ENGINE"] = folder_ / "engine";
+  useFakeEngine(command);
   command.environment["FAKE_TRACE"] = folder_ / "trace";
   return command;
 }
@@ -136,8 +146,12 @@ void Workplace::configure(const std::vector<std::pair<std::string, std::string>>
   std::filesystem::permissions(folder_ / "zelk.cfg", perms(hasPassword ? 0600 : 0644));
 }
 
-void Workplace::setEngine(const std::string& answers) const {
-  writeFile(folder_ / "engine", answers);
+void Workplace::simulate(const std::string& scenario) const {
+  writeFile(folder_ / "scenario.toml", scenario);
+}
+
+void Workplace::disturb(const std::string& disturbances) const {
+  writeFile(folder_ / "engine", disturbances);
 }
 
 std::string Workplace::trace() const {

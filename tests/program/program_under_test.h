@@ -1,5 +1,5 @@
 // Where the program is, and what surrounds it in every test: a configuration, a time zone, a
-// locale, and where it is wanted an engine library whose answers the test has set.
+// locale, and where it is wanted the fake engine.
 #pragma once
 
 #include <filesystem>
@@ -38,8 +38,12 @@ std::filesystem::path builtProgram();
 // The module of that engine in the build tree.
 std::filesystem::path builtModule(const std::string& engine);
 
-// The engine library whose answers a test sets.
+// The engine library that a test sets (support/fake_engine).
 std::filesystem::path fakeEngine();
+
+// Lets the fake engine in the command's program do what the files "scenario.toml" and "engine" of
+// the command's folder say. Without a scenario it is an idle engine.
+void useFakeEngine(testing_support::Command& command);
 
 // A copy of the built tree: bin/zelk, lib/zelk/libtal.so and share/zelk/messages in the folder. The
 // engine library's modules, which few tests need, are not in it.
@@ -78,8 +82,11 @@ class Workplace {
 
   void configure(const std::vector<std::pair<std::string, std::string>>& changes) const;
 
-  // Sets the engine's answers, in the format of the fake engine.
-  void setEngine(const std::string& answers) const;
+  // Sets what the engine is, as a scenario.
+  void simulate(const std::string& scenario) const;
+
+  // Sets what it does otherwise, in the words of the fake engine.
+  void disturb(const std::string& disturbances) const;
 
   // The calls that the engine has seen, a line each.
   [[nodiscard]] std::string trace() const;

@@ -273,7 +273,7 @@ TEST_F(Configuration, HandsTheCredentialsOverAndShowsNone) {
   for (const char* const status : {"0", "7104"}) {
     for (const auto& arguments : {kOnce, kOnceJson}) {
       std::filesystem::remove(place_ / "trace");
-      place_.setEngine(std::string("status\tTalConnectServer\t1\t") + status + "\n");
+      place_.disturb(std::string("status TalConnectServer 1 ") + status + "\n");
       place_.configure({
           {"SERV", "the server"         },
           {"USER", "somebody"           },

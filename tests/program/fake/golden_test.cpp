@@ -1,24 +1,21 @@
-// Runs the program in each situation of golden/ and compares everything that it leaves. A situation
-// is a folder with
+// Runs the program in each situation of golden/ and compares everything that it leaves. Each folder
+// that has no folder in it is a run. It has the files that it holds and those of the folders above
+// it; where a name occurs twice, the nearest file counts. All are copied to where the program runs:
 //
-//   args              the command line, an argument on each line
-//   zelk.cfg          the configuration, if any; like all other files it is copied to where the
-//                     program runs
-//   scenario.toml     what the embedded engine simulates (SERV=sim:scenario.toml), or
-//   engine            what the fake engine answers (any SERV); it stands for the product's
-//                     engine library where the answers are such as that one never gives
+//   args              the command line, an argument on each line; if the folder is called "json",
+//                     "-JSON" follows them
+//   zelk.cfg          the configuration, if any
+//   scenario.toml     what the embedded engine simulates (SERV=sim:scenario.toml)
+//   faults.toml       what is added to the scenario
+//   engine            what the fake engine does otherwise; with it, any SERV is the scenario
 //   stdin             what is typed; without it standard input is at its end
 //   locale            the locale for messages; without it there is none
 //
-// and what is expected:
+// Its own folder also has what is expected:
 //
 //   stdout.expected   stderr.expected   without the file, nothing
 //   exit.expected     without it, status 0
 //   log.expected      the file monitor.log; without it there must be none
-//
-// These stand in the folder itself when the program runs once, with its arguments as they are.
-// Where the folder holds json/ it runs twice: text/ has what is expected of these arguments, json/
-// what is expected when "-JSON" follows them.
 //
 // Times are masked. Each run is repeated where a decimal comma is usual: nothing may change.
 #include <gtest/gtest.h>
@@ -29,6 +26,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/program/golden.h"
 #include "tests/program/program_under_test.h"
 #include "tests/support/masking.h"
 #include "tests/support/process.h"
@@ -47,21 +45,6 @@ using testing_support::Result;
 using testing_support::run;
 using testing_support::sameAsFile;
 using testing_support::TemporaryFolder;
-
-// One run: the name of a situation, or that with "/text" or "/json".
-std::vector<std::string> runNames() {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(GOLDEN_FOLDER)) {
-    const std::string situation = entry.path().filename();
-    if (std::filesystem::exists(entry.path() / "json")) {
-      names.insert(names.end(), {situation + "/text", situation + "/json"});
-    } else {
-      names.push_back(situation);
-    }
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
 
 std::string testName(const ::testing::TestParamInfo<std::string>& info) {
   std::string name = info.param;
@@ -82,10 +65,9 @@ std::vector<std::string> linesOf(const std::string& text) {
 class Golden : public ::testing::TestWithParam<std::string> {
  protected:
   Golden() {
-    const auto options = std::filesystem::copy_options::recursive;
-    std::filesystem::copy(source_, work_, options);
+    run_.copyTo(work_);
     const std::filesystem::path configuration = work_ / "zelk.cfg";
-    if (std::filesystem::is_regular_file(configuration)) {
+    if (std::filesystem::exists(configuration)) {
       std::filesystem::permissions(configuration, std::filesystem::perms{0600});
     }
   }
@@ -93,36 +75,36 @@ class Golden : public ::testing::TestWithParam<std::string> {
   void check(Environment environment) {
     const Result result = run(command(std::move(environment)));
 
-    EXPECT_TRUE(sameAsFile(expected_ / "stdout.expected", maskTimes(result.output)));
-    EXPECT_TRUE(sameAsFile(expected_ / "stderr.expected", result.error));
-    EXPECT_TRUE(sameAsFile(expected_ / "exit.expected", textOf(result.ending)));
+    EXPECT_TRUE(sameAsFile(run_.folder / "stdout.expected", maskTimes(result.output)));
+    EXPECT_TRUE(sameAsFile(run_.folder / "stderr.expected", result.error));
+    EXPECT_TRUE(sameAsFile(run_.folder / "exit.expected", textOf(result.ending)));
     const bool hasLog = std::filesystem::exists(work_ / "monitor.log");
-    EXPECT_TRUE(sameAsFile(expected_ / "log.expected",
+    EXPECT_TRUE(sameAsFile(run_.folder / "log.expected",
                            hasLog ? maskTimes(readFile(work_ / "monitor.log")) : ""));
-    EXPECT_EQ(hasLog, std::filesystem::exists(expected_ / "log.expected"));
+    EXPECT_EQ(hasLog, std::filesystem::exists(run_.folder / "log.expected"));
   }
 
-  [[nodiscard]] bool hasLocale() const { return std::filesystem::exists(source_ / "locale"); }
+  [[nodiscard]] bool hasLocale() const { return std::filesystem::exists(work_ / "locale"); }
 
   [[nodiscard]] Environment ownEnvironment() const {
-    return hasLocale() ? environmentWithMessages(linesOf(readFile(source_ / "locale")).front())
+    return hasLocale() ? environmentWithMessages(linesOf(readFile(work_ / "locale")).front())
                        : plainEnvironment();
   }
 
  private:
   Command command(Environment environment) {
-    Command command{.program = builtProgram(), .arguments = linesOf(readFile(source_ / "args"))};
-    if (expected_.filename() == "json") command.arguments.push_back("-JSON");
-    if (std::filesystem::exists(source_ / "engine")) {
+    Command command{.program = builtProgram(), .arguments = linesOf(readFile(work_ / "args"))};
+    if (run_.folder.filename() == "json") command.arguments.push_back("-JSON");
+    command.environment = std::move(environment);
+    command.folder = work_;
+    if (std::filesystem::exists(work_ / "engine")) {
       const ProgramTree tree(folder_ / "tree");
       tree.replaceEngine(fakeEngine());
       command.program = tree.program();
-      environment["FAKE_ENGINE"] = work_ / "engine";
+      useFakeEngine(command);
     }
-    command.environment = std::move(environment);
-    command.folder = work_;
-    if (std::filesystem::exists(source_ / "stdin")) {
-      command.input = Input::text(readFile(source_ / "stdin"));
+    if (std::filesystem::exists(work_ / "stdin")) {
+      command.input = Input::text(readFile(work_ / "stdin"));
     }
     return command;
   }
@@ -133,10 +115,7 @@ class Golden : public ::testing::TestWithParam<std::string> {
                          : "signal " + std::to_string(ending.signal.value_or(0)) + "\n";
   }
 
-  static std::string situation() { return GetParam().substr(0, GetParam().find('/')); }
-
-  const std::filesystem::path source_ = std::filesystem::path(GOLDEN_FOLDER) / situation();
-  const std::filesystem::path expected_ = std::filesystem::path(GOLDEN_FOLDER) / GetParam();
+  const GoldenRun run_{GetParam()};
   const TemporaryFolder folder_;
   const std::filesystem::path work_ = folder_ / "work";
 };
@@ -149,7 +128,7 @@ TEST_P(Golden, IsTheSameWithADecimalComma) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Case, Golden, ::testing::ValuesIn(runNames()), testName);
+INSTANTIATE_TEST_SUITE_P(Case, Golden, ::testing::ValuesIn(goldenRuns()), testName);
 
 // The second run would prove nothing if the locale could not be loaded.
 TEST(DecimalComma, IsInForce) {

@@ -81,7 +81,7 @@ class Signals : public ::testing::TestWithParam<int> {
   // Makes the engine wait in its first answer about resources until releaseEngine().
   void holdEngine() {
     ASSERT_EQ(mkfifo((place_ / "fifo").c_str(), 0600), 0);
-    place_.setEngine("pause\tTalGetZorbUsageEx2\t1\t" + (place_ / "fifo").string() + "\n");
+    place_.disturb("pause TalGetZorbUsageEx2 1 " + (place_ / "fifo").string() + "\n");
   }
 
   void releaseEngine() const { const std::ofstream writer(place_ / "fifo"); }
@@ -225,7 +225,7 @@ TEST_P(Signals, EndTheProcessAtOnceBeforeTheEngineIsConnected) {
   expectKilled({"-f", "zelk.cfg"});
 
   configure("0", "0");
-  place_.setEngine("pause\tTalConnectServer\t1\t" + fifo + "\n");
+  place_.disturb("pause TalConnectServer 1 " + fifo + "\n");
   expectKilled({"-f", "zelk.cfg"});
 }
 

@@ -273,11 +273,7 @@ TEST(ClosedReader, EndsTheProgramQuietly) {
 
 TEST(ClosedReader, EndsALongReportQuietly) {
   const Workplace place;
-  std::string files;
-  for (int i = 0; i < 5000; ++i) {
-    files += "file\t/data/file" + std::to_string(i) + "\t4096\t78\t78\t78\t1\n";
-  }
-  place.setEngine(files);
+  place.simulate("[[file]]\nname = '/data/file{n}'\ncount = 5000\n");
   place.configure({
       {"FILE", "YES"}
   });

@@ -7,7 +7,7 @@
 namespace program_tests {
 namespace {
 
-const std::string kHandle = "42";
+const std::string kHandle = "1";
 
 std::string with(const std::string& argument) { return kHandle + ", " + argument; }
 

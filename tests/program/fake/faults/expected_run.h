@@ -27,8 +27,7 @@ class ExpectedRun {
   [[nodiscard]] const std::string& trace() const { return trace_; }
   [[nodiscard]] int callsOf(const std::string& function) const;
 
-  // Answers, in the fake engine's format, of an engine that has what this run reports and
-  // returns no status.
+  // The scenario of an engine that has what this run reports and returns no status.
   [[nodiscard]] const std::string& reported() const { return reported_; }
 
   // Where the status ended the run, if it did.

@@ -1,6 +1,6 @@
 // Lets each of the 23 functions return each kind of status at its first, a middle and its last call
 // of a report, in text and JSON, with and without handles. The calls that follow, what is printed,
-// what is told on standard error and the exit code must be as the table of effects says.
+// what stands on standard error and the exit code must be as the table of effects says.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -107,9 +107,10 @@ class Faults : public ::testing::TestWithParam<EffectRow> {
     testing_support::writeFile(place_ / "tree/share/zelk/messages/TALMSG.properties", kBundle);
   }
 
-  Result report(const std::string& answers, const Form& form) {
+  Result report(const std::string& scenario, const std::string& disturbances, const Form& form) {
     std::filesystem::remove(place_ / "trace");
-    place_.setEngine(answers);
+    place_.simulate(scenario);
+    place_.disturb(disturbances);
     place_.configure({
         {"FILE", "YES"                      },
         {"SESS", "YES"                      },
@@ -128,10 +129,10 @@ class Faults : public ::testing::TestWithParam<EffectRow> {
   }
 
   // The output of an engine without faults that has these entries.
-  const std::string& outputOf(const std::string& answers, const Form& form) {
-    std::string& output = outputs_[{answers, form.json, form.handles}];
+  const std::string& outputOf(const std::string& scenario, const Form& form) {
+    std::string& output = outputs_[{scenario, form.json, form.handles}];
     if (output.empty()) {
-      const Result result = report(answers, form);
+      const Result result = report(scenario, "", form);
       EXPECT_EQ(result.ending, Ending::exit(0));
       output = result.output;
     }
@@ -144,10 +145,10 @@ class Faults : public ::testing::TestWithParam<EffectRow> {
         expected.failure() ? before(*expected.failure(), outputOf(wholeEngine(), form), form.json)
                            : outputOf(expected.reported(), form);
 
-    const Result result =
-        report(wholeEngine() + "status\t" + fault.function + "\t" + std::to_string(fault.call) +
-                   "\t" + std::to_string(fault.status) + "\n",
-               form);
+    const Result result = report(wholeEngine(),
+                                 "status " + fault.function + " " + std::to_string(fault.call) +
+                                     " " + std::to_string(fault.status) + "\n",
+                                 form);
 
     EXPECT_PRED_FORMAT2(sameText, expected.trace(), place_.trace());
     EXPECT_PRED_FORMAT2(sameText, output, result.output);

@@ -1,4 +1,4 @@
-// The engine of the fault tests, in the fake engine's format: three entries in each list, two
+// The scenario of the fault tests: three entries in each list, two
 // handles on each file and client.
 #pragma once
 
