@@ -80,6 +80,7 @@ void ConfigFileReader::readWholeFile() {
     if (exception.getResult() != orv::kFileTooLarge) throw;
     throw ConfigException(messages_->getResStr("ERR_FILE_TOO_LARGE"));
   }
+  lines_ = {};  // its buffers are wiped, which held the password
 }
 
 void ConfigFileReader::readLines() {

@@ -61,8 +61,8 @@ void putName(ServedEngine& from, std::uint32_t index, std::uint32_t* size, char*
 void connect(const char* server, const char* user, const char* password, std::int32_t* handle) {
   library().requireStarted();
   std::int32_t& place = required(handle);
-  place = library().connect(credential(server),
-                            {std::string(credential(user)), std::string(credential(password))});
+  place =
+      library().connect(credential(server), {std::string(credential(user)), credential(password)});
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "tal/connect.h"
+#include "tal/interface/environment.h"
 
 namespace tal::interface {
 namespace {
@@ -20,7 +21,7 @@ void Library::requireStarted() const {
 
 void Library::start() {
   const std::lock_guard lock(mutex_);
-  started_ = true;
+  if (!std::exchange(started_, true)) removeClientVariables();
 }
 
 void Library::stop() {

@@ -24,7 +24,7 @@ class Library {
   // Throws Failure kNotStarted before start() and after stop().
   void requireStarted() const;
 
-  // A second start does nothing.
+  // Removes variables from the environment (see environment.h). A second start does nothing.
   void start();
 
   // Closes every engine.

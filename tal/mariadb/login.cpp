@@ -1,7 +1,6 @@
 #include "tal/mariadb/login.h"
 
 #include <signal.h>
-#include <stdlib.h>
 
 #include <algorithm>
 #include <mutex>
@@ -17,9 +16,6 @@ namespace tal::mariadb {
 namespace {
 
 void initialise() {
-  ::unsetenv("LIBMYSQL_PLUGINS");
-  ::unsetenv("LIBMYSQL_ENABLE_CLEARTEXT_PLUGIN");
-  ::unsetenv("MARIADB_PLUGIN_DIR");
   struct sigaction programs {};
   ::sigaction(SIGPIPE, nullptr, &programs);
   const int failed = mysql_server_init(0, nullptr, nullptr);

@@ -11,8 +11,7 @@
 namespace tal::mariadb {
 
 // Prepares the client library once for the process; login() does so too. The library makes the
-// whole process ignore SIGPIPE, so the program's own handling is restored. Environment variables
-// that can make the library load foreign code are removed.
+// whole process ignore SIGPIPE, so the program's own handling is restored.
 void initialiseClientLibrary();
 
 // Logs in with exactly these `credentials`; `cutter` watches the socket. If a host has several

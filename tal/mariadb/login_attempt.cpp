@@ -2,6 +2,7 @@
 
 #include <mysqld_error.h>
 #include <poll.h>
+#include <string.h>
 #include <sys/socket.h>
 
 #include <algorithm>
@@ -132,7 +133,7 @@ class SuspendedLogin {
       : session_(session), target_(target), isGreeted_(target.location.isSocket()) {
     const char* const socket = host == nullptr ? target.location.socketPath.c_str() : nullptr;
     wanted_ = mysql_real_connect_start(&connected_, session, host, target.credentials.user.c_str(),
-                                       target.credentials.password.c_str(), nullptr,
+                                       target.credentials.password.text().c_str(), nullptr,
                                        target.location.address.port, socket, 0);
   }
   SuspendedLogin(const SuspendedLogin&) = delete;
@@ -197,6 +198,11 @@ std::string reasonIn(std::string_view text) {
   throw Failure(status);
 }
 
+// The library keeps the password for another login, which never happens here.
+void forgetPassword(MYSQL* session) {
+  if (session->passwd != nullptr) ::explicit_bzero(session->passwd, ::strlen(session->passwd));
+}
+
 }  // namespace
 
 SessionHandle tryLogin(const Target& target, const char* host, const sql::Deadline& deadline) {
@@ -207,6 +213,7 @@ SessionHandle tryLogin(const Target& target, const char* host, const sql::Deadli
   if (target.encryption.wanted && mysql_get_ssl_cipher(session.get()) == nullptr) {
     failAt(target, Status::kTlsFailed, sql::message("NO_ENCRYPTION"));
   }
+  forgetPassword(session.get());
   return session;
 }
 

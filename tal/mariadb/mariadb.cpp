@@ -96,12 +96,13 @@ class MariaDbEngine final : public Engine {
   CommunicationReader communication_;
 };
 
-Credentials completed(Credentials credentials, const Options& options) {
+Credentials completed(Credentials credentials, Options& options) {
   if (credentials.user.empty()) credentials.user = sql::systemUser();
   const auto password = options.find("password");
   if (credentials.password.empty() && password != options.end()) {
     credentials.password = password->second;
   }
+  if (password != options.end()) wipe(password->second);
   return credentials;
 }
 
@@ -118,7 +119,7 @@ std::unique_ptr<Engine> open(std::string_view location, const Credentials& crede
   const auto connect = [name = std::string(location), credentials](sql::SocketCutter& cutter) {
     const sql::Deadline deadline(sql::kConnectLimit);
     const Location parsed = parseLocation(name);
-    const Options options = readOptions(kOptionGroup, standardOptionFiles());
+    Options options = readOptions(kOptionGroup, standardOptionFiles());
     auto engine = std::make_unique<MariaDbEngine>(
         login(parsed, completed(credentials, options), encryptionOf(options), cutter, deadline));
     tellWhatIsMissing(engine->facts());

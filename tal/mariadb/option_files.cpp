@@ -10,6 +10,7 @@
 #include <set>
 #include <utility>
 
+#include "tal/credentials.h"
 #include "tal/sql/message.h"
 
 namespace tal::mariadb {
@@ -76,6 +77,8 @@ std::optional<char> escaped(char character) {
 
 std::string withoutEscapes(std::string_view value) {
   std::string result;
+  result.reserve(
+      value.size());  // a text that grows leaves copies behind, and this may be a password
   for (std::size_t i = 0; i < value.size(); ++i) {
     const auto meant =
         value[i] == '\\' && i + 1 < value.size() ? escaped(value[i + 1]) : std::optional<char>{};
@@ -190,7 +193,7 @@ class FileReader {
     std::error_code error;
     // Each file is read once: includes may be cyclic.
     if (!read_.insert(fs::canonical(path, error)).second || error) return;
-    const auto file = trustedFile(path);
+    auto file = trustedFile(path);
     if (!file) return;
 
     LineReader reader(group_, options_, file->isReadByOthers);
@@ -201,6 +204,7 @@ class FileReader {
       if (depth == kDeepestInclude) continue;
       for (const fs::path& included : includedBy(line)) read(included, depth + 1);
     }
+    wipe(file->text);  // it may hold a password
   }
 
  private:

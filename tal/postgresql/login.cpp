@@ -30,10 +30,16 @@ Target targetOf(const Location& location, const Credentials& credentials) {
   return target;
 }
 
+void protectPassword(Target& target, const LoginRules& rules) {
+  target.scramOnly = !target.password.empty() && !rules.weakPassword;
+  target.bindsPassword =
+      bindingWished() || (target.scramOnly && target.encryption != Encryption::kNone);
+}
+
 ConnectionHandle logInWithout(Target target, const LoginRules& rules, sql::SocketCutter& cutter,
                               const sql::Deadline& deadline) {
   target.encryption = Encryption::kNone;
-  target.bindsPassword = bindingWished();
+  protectPassword(target, rules);
   return *tryLogin(target, askingBy(rules), cutter, deadline);
 }
 
@@ -41,8 +47,7 @@ ConnectionHandle logInWithout(Target target, const LoginRules& rules, sql::Socke
 ConnectionHandle logInTo(Target target, const LoginRules& rules, sql::SocketCutter& cutter,
                          const sql::Deadline& deadline) {
   target.encryption = rules.encryption();
-  target.bindsPassword =
-      bindingWished() || (!target.password.empty() && askingBy(rules) == Asking::kSafely);
+  protectPassword(target, rules);
   std::optional<ConnectionHandle> connection = tryLogin(target, askingBy(rules), cutter, deadline);
   if (connection) return std::move(*connection);
   if (!rules.mayGoWithout()) throw Failure(Status::kTlsFailed);

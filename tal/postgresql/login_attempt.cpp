@@ -1,19 +1,18 @@
 #include "tal/postgresql/login_attempt.h"
 
 #include <poll.h>
+#include <string.h>
 #include <sys/socket.h>
 #include <sys/types.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "tal/failure.h"
 #include "tal/postgresql/answer_limit.h"
-#include "tal/postgresql/environment.h"
 #include "tal/postgresql/errors.h"
 #include "tal/postgresql/login_gate.h"
 #include "tal/sql/explained_failure.h"
@@ -84,16 +83,14 @@ std::string explanationIn(const PGconn* connection) {
   throw Failure(target.bindsPassword ? Status::kUnsafeLogin : Status::kConnectionLost);
 }
 
-// The steps up to the first message to the server may send the session's settings.
-PostgresPollingStatusType poll(PGconn* connection) {
-  if (PQstatus(connection) == CONNECTION_AWAITING_RESPONSE) return PQconnectPoll(connection);
-  const WithoutSessionVariables guard;
-  return PQconnectPoll(connection);
+// The library keeps the password for another login, which never happens here.
+void forgetPassword(PGconn* connection) {
+  char* const password = PQpass(connection);
+  if (password != nullptr) ::explicit_bzero(password, ::strlen(password));
 }
 
 ConnectionHandle startConnecting(const Target& target) {
-  ConnectionHandle connection(PQconnectStart(connectionString(target).c_str()));
-  if (!connection) throw std::bad_alloc();
+  ConnectionHandle connection = startConnection(target);
   PQsetErrorVerbosity(connection.get(), PQERRORS_SQLSTATE);
   PQsetNoticeProcessor(connection.get(), &dropNotice, nullptr);
   if (PQstatus(connection.get()) == CONNECTION_BAD) {
@@ -122,10 +119,11 @@ class Attempt {
         checkAnswerToTls(progress);
         if (progress.next == kDeclined) return std::nullopt;
       }
-      next_ = poll(connection_.get());
+      next_ = PQconnectPoll(connection_.get());
       if (next_ == PGRES_POLLING_FAILED) failLogin(connection_.get(), progress, target_);
     }
     if (gate_) gate_->leave();
+    forgetPassword(connection_.get());
     return std::move(connection_);
   }
 

@@ -9,8 +9,6 @@
 #include <memory>
 #include <string_view>
 
-#include "tal/postgresql/result.h"
-
 namespace tal::postgresql {
 namespace {
 
@@ -19,6 +17,9 @@ using Parameters = std::map<std::string, std::string>;
 constexpr std::string_view kHonoured[] = {"requirepeer", "require_auth",
                                           "sslrootcert", "sslcrl",
                                           "sslcrldir",   "ssl_min_protocol_version"};
+
+// A login without a password shows none.
+constexpr const char* kScramOnly = "scram-sha-256,none";
 
 struct Mode {
   std::string_view name;
@@ -55,7 +56,6 @@ Parameters chosenParameters(const Target& target) {
       {"port",                std::to_string(target.port)                },
       {"dbname",              target.database                            },
       {"user",                target.user                                },
-      {"password",            target.password                            },
       {"application_name",    "zelk"                                     },
  // Texts come as they are stored: no conversion can fail, whatever the encoding of a name.
       {"client_encoding",     "SQL_ASCII"                                },
@@ -71,23 +71,24 @@ Parameters chosenParameters(const Target& target) {
   };
 }
 
-std::string fallback(const PQconninfoOption& option) {
+std::string fallback(const PQconninfoOption& option, const Target& target) {
   const std::string_view wish = variable(option.envvar);
   if (!wish.empty() && std::ranges::find(kHonoured, option.keyword) != std::end(kHonoured)) {
     return std::string(wish);
   }
+  if (target.scramOnly && std::string_view(option.keyword) == "require_auth") return kScramOnly;
   return option.compiled != nullptr ? option.compiled : "";
 }
 
 // Adds every parameter that has an environment variable. The service is left out, because even an
 // empty one makes every connection fail.
-void addDefaults(Parameters& parameters) {
+void addDefaults(Parameters& parameters, const Target& target) {
   const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> defaults(PQconndefaults(),
                                                                               &PQconninfoFree);
   if (!defaults) throw std::bad_alloc();
   for (const PQconninfoOption* option = defaults.get(); option->keyword != nullptr; ++option) {
     if (option->envvar == nullptr || std::string_view(option->keyword) == "service") continue;
-    parameters.try_emplace(option->keyword, fallback(*option));
+    parameters.try_emplace(option->keyword, fallback(*option, target));
   }
 }
 
@@ -95,13 +96,13 @@ void addDefaults(Parameters& parameters) {
 // cannot verify.
 void leaveCertificatesOut(Parameters& parameters) { parameters["sslrootcert"] = "/dev/null/none"; }
 
-std::string quoted(std::string_view value) {
-  std::string result = "'";
+void append(std::string& result, std::string_view keyword, std::string_view value) {
+  result.append(keyword).append("='");
   for (const char character : value) {
     if (character == '\'' || character == '\\') result += '\\';
     result += character;
   }
-  return result + "'";
+  result += "' ";
 }
 
 }  // namespace
@@ -109,10 +110,10 @@ std::string quoted(std::string_view value) {
 std::string connectionString(const Target& target) {
   Parameters parameters = chosenParameters(target);
   if (target.encryption == Encryption::kUnverified) leaveCertificatesOut(parameters);
-  addDefaults(parameters);
+  addDefaults(parameters, target);
 
   std::string result;
-  for (const auto& [keyword, value] : parameters) result += keyword + '=' + quoted(value) + ' ';
+  for (const auto& [keyword, value] : parameters) append(result, keyword, value);
   return result;
 }
 
@@ -130,11 +131,23 @@ bool hasRootCertificate() {
   return wished == "system" || ::access(path.c_str(), F_OK) == 0;
 }
 
-std::string passwordFor(const Target& target) {
+ConnectionHandle startConnection(const Target& target) {
+  const std::string parameters = connectionString(target);
+  // A name of a database that is a connection string stands for the parameters in it. A later
+  // parameter replaces an earlier one unless it is empty.
+  const std::array<const char*, 3> keywords{"dbname", "password", nullptr};
+  const std::array<const char*, 3> values{parameters.c_str(), target.password.text().c_str(),
+                                          nullptr};
+  ConnectionHandle connection(PQconnectStartParams(keywords.data(), values.data(), 1));
+  if (!connection) throw std::bad_alloc();
+  return connection;
+}
+
+Secret passwordFor(const Target& target) {
+  if (!target.password.empty()) return target.password;
   Target nowhere = target;
   nowhere.address = "-";  // no numeric address: nothing is connected to
-  const ConnectionHandle connection(PQconnectStart(connectionString(nowhere).c_str()));
-  if (!connection) throw std::bad_alloc();
+  const ConnectionHandle connection = startConnection(nowhere);
   const char* const password = PQpass(connection.get());
   return password != nullptr ? password : "";
 }

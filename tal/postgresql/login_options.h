@@ -5,6 +5,9 @@
 #include <cstdint>
 #include <string>
 
+#include "tal/credentials.h"
+#include "tal/postgresql/result.h"
+
 namespace tal::postgresql {
 
 // A setting of the session that a monitor needs to be harmless, in the order of the columns of
@@ -40,18 +43,22 @@ struct Target {
   std::uint16_t port = 0;
   std::string database;
   std::string user;
-  std::string password;  // empty: only the user's own password file may supply one
+  Secret password;  // empty: only the user's own password file may supply one
   Encryption encryption = Encryption::kNone;
   bool bindsPassword = false;  // the password must be bound to this connection
+  bool scramOnly = false;      // the password must be used in no other way
 };
 
-// The connection string for a target. It names every parameter that the client library would
-// otherwise take from an environment variable, empty ones too (which only this form can do), so
-// that a monitor behaves the same wherever it is started. Variables that can only request more
-// security are still used: PGREQUIREPEER, PGREQUIREAUTH, PGSSLROOTCERT, PGSSLCRL, PGSSLCRLDIR,
-// PGSSLMINPROTOCOLVERSION. The settings that the library sends besides its parameters are left to
-// WithoutSessionVariables.
+// The connection string for a target, without the password. It names every parameter that the
+// client library would otherwise take from an environment variable, empty ones too (which only this
+// form can do), so that a monitor behaves the same wherever it is started. Variables that can only
+// request more security are still used: PGREQUIREPEER, PGREQUIREAUTH, PGSSLROOTCERT, PGSSLCRL,
+// PGSSLCRLDIR, PGSSLMINPROTOCOLVERSION. A client library of version 16 or later itself refuses a
+// server that asks for a password in another way than `target` allows.
 std::string connectionString(const Target& target);
+
+// Begins a login to `target` with these parameters and its password.
+ConnectionHandle startConnection(const Target& target);
 
 // At least `least`, or more if PGSSLMODE requests it.
 Encryption encryptionWished(Encryption least);
@@ -63,6 +70,6 @@ bool bindingWished();
 bool hasRootCertificate();
 
 // The password of the target, or the one in the user's password file. Does not contact the server.
-std::string passwordFor(const Target& target);
+Secret passwordFor(const Target& target);
 
 }  // namespace tal::postgresql

@@ -43,7 +43,6 @@ void requireCarried(const Target& target) {
   requireValue(options.get(), "port", std::to_string(target.port));
   requireValue(options.get(), "dbname", target.database);
   requireValue(options.get(), "user", target.user);
-  requireValue(options.get(), "password", target.password);
   requireValue(options.get(), "sslmode", "require");
 }
 

@@ -9,6 +9,7 @@
 #include "tests/sql/fake_host.h"
 #include "tests/support/frozen.h"
 #include "tests/support/loopback.h"
+#include "tests/support/proxy.h"
 #include "tests/support/temporary_folder.h"
 
 namespace mariadb_testing {
@@ -178,6 +179,23 @@ TEST_F(LoginTest, NothingIsSaidWhenTheOfferToEncryptIsTakenAway) {
         << options;
     EXPECT_EQ(stripped.heard(), "") << options;
   }
+}
+
+// In front of a server that does encrypt. Its greeting has its version, ended by a NUL, between the
+// first 5 bytes and 13 others; then come two bytes of capabilities, the lower one first.
+TEST_F(LoginTest, NothingIsSaidToAProxyThatTakesTheOfferAway) {
+  const auto takeTheOfferAway = [](std::string& greeting) {
+    char& capabilities = greeting.at(greeting.find('\0', 5) + 15);
+    capabilities = static_cast<char>(capabilities & ~0x08);
+  };
+  testing_support::Proxy stripping(server_.port(), takeTheOfferAway);
+  const std::string location = "127.0.0.1:" + std::to_string(stripping.port());
+
+  EXPECT_EQ(statusOfLogin(location, "zelk"), Status::kSuccess);  // not wanted on this machine
+  testing_support::Proxy again(server_.port(), takeTheOfferAway);
+  writeOptions("[zelk]\nssl\n");
+  EXPECT_EQ(statusOfLogin("127.0.0.1:" + std::to_string(again.port()), "zelk"), Status::kTlsFailed);
+  EXPECT_EQ(again.heard(), "");
 }
 
 // This form of its address does not pass for this machine's.

@@ -49,7 +49,7 @@ TEST(ConnectionStringTest, CarriesEachValueUnchanged) {
   EXPECT_EQ(values.at("port"), "6000");
   EXPECT_EQ(values.at("dbname"), odd);
   EXPECT_EQ(values.at("user"), odd);
-  EXPECT_EQ(values.at("password"), odd);
+  EXPECT_EQ(values.at("password"), "");  // it goes a way of its own
   EXPECT_EQ(values.at("application_name"), "zelk");
   EXPECT_EQ(values.at("client_encoding"), "SQL_ASCII");
   EXPECT_EQ(values.at("sslmode"), "require");
@@ -79,6 +79,32 @@ TEST(ConnectionStringTest, NamesEveryParameterThatHasAVariable) {
   }
   EXPECT_EQ(values.at("sslmode"), "verify-full");
   EXPECT_EQ(values.at("channel_binding"), "prefer");
+}
+
+// Only libraries from version 16 on can be told so. Of others the requests are looked at one by
+// one.
+TEST(ConnectionStringTest, LibraryThatCanRefusesOtherWaysToUseThePassword) {
+  const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> known(PQconndefaults(),
+                                                                           &PQconninfoFree);
+  bool isKnown = false;
+  for (const PQconninfoOption* option = known.get(); option->keyword != nullptr; ++option) {
+    isKnown = isKnown || std::string(option->keyword) == "require_auth";
+  }
+  Target target;
+  target.password = "secret";
+  target.scramOnly = true;
+
+  const auto safely = parsed(connectionString(target));
+  target.scramOnly = false;
+  const auto anyhow = parsed(connectionString(target));
+  const Variable wish("PGREQUIREAUTH", "scram-sha-256");
+  const auto asWished = parsed(connectionString(target));
+
+  EXPECT_EQ(safely.contains("require_auth"), isKnown);
+  if (!isKnown) return;
+  EXPECT_EQ(safely.at("require_auth"), "scram-sha-256,none");
+  EXPECT_EQ(anyhow.at("require_auth"), "");
+  EXPECT_EQ(asWished.at("require_auth"), "scram-sha-256");
 }
 
 // The order is that of the columns from the second on.

@@ -12,6 +12,7 @@
 #include "tests/postgresql/fake_server.h"
 #include "tests/postgresql/server_test.h"
 #include "tests/sql/fake_host.h"
+#include "tests/support/proxy.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/variable.h"
 #include "tests/support/wait_until.h"
@@ -38,19 +39,6 @@ class LoginTest : public ServerTest {
     return statusOf([&] { tal::postgresql::open(location, credentials); });
   }
 };
-
-TEST_F(LoginTest, LeavesOutTheSettingsOfTheEnvironment) {
-  constexpr const char* kNames[] = {"PGTZ", "PGDATESTYLE", "PGGEQO"};
-  for (const char* const name : kNames) ::setenv(name, "nonsense", 1);
-
-  const Status status = login(socket() + "/app", {"zelk", PrivateServer::kPassword});
-
-  EXPECT_EQ(status, Status::kSuccess);
-  for (const char* const name : kNames) {
-    EXPECT_STREQ(::getenv(name), "nonsense");
-    ::unsetenv(name);
-  }
-}
 
 TEST_F(LoginTest, SucceedsByEachForm) {
   const std::string port = std::to_string(server_.port());
@@ -293,6 +281,20 @@ TEST_F(EncryptedLoginTest, ChecksTheCertificateAsWished) {
   EXPECT_EQ(loginWith("127.0.0.1", "verify-ca", own), Status::kSuccess);
   EXPECT_EQ(loginWith("127.0.0.1", "verify-full", own), Status::kTlsFailed);
   EXPECT_EQ(loginWith("localhost", "verify-full", "/nowhere"), Status::kTlsFailed);
+}
+
+// Somebody between who answers the request for encryption, in place of the server. This form of the
+// address does not pass for this machine's.
+TEST_F(EncryptedLoginTest, NothingIsSaidWhenTheOfferToEncryptIsTakenAway) {
+  const auto throughProxy = [](const Proxy& proxy) {
+    return login("[::ffff:127.0.0.1]:" + std::to_string(proxy.port()) + "/app", user("zelk"));
+  };
+  const Proxy honest(server_.port(), [](std::string&) {});
+  Proxy stripping(server_.port(), [](std::string& answer) { answer = "N"; });
+
+  EXPECT_EQ(throughProxy(honest), Status::kSuccess);
+  EXPECT_EQ(throughProxy(stripping), Status::kTlsFailed);
+  EXPECT_EQ(stripping.heard(), std::string("\0\0\0\x08\x04\xd2\x16\x2f", 8));
 }
 
 // As servers need it that pass the password on, to a directory for instance.

@@ -1,14 +1,23 @@
-// The memory of this process.
+// The memory of a process.
 #pragma once
+
+#include <sys/types.h>
+
+#include <cstddef>
+#include <string_view>
 
 namespace testing_support {
 
-// In KiB. Both throw std::runtime_error if the system does not say.
+// Of this process, in KiB. Both throw std::runtime_error if the system does not say.
 long residentMemory();
 long peakResidentMemory();
 
 // Resets the peak to the memory that is resident now. Throws std::runtime_error if that is
 // impossible.
 void resetPeak();
+
+// How often these bytes are in the memory of a process that runs. Needs root. Throws
+// std::runtime_error if the memory cannot be read.
+std::size_t copiesIn(pid_t process, std::string_view bytes);
 
 }  // namespace testing_support

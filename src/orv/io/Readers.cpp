@@ -41,6 +41,7 @@ BufferedReader::BufferedReader(Reference<InputStreamReader> reader, std::size_t 
     : reader_(std::move(reader)), longestLine_(longestLine) {}
 
 BufferedReader::~BufferedReader() {
+  buffer_.resize(buffer_.capacity());  // earlier text lies behind the present one
   explicit_bzero(buffer_.data(), buffer_.size() * sizeof(wchar_t));
 }
 

@@ -235,20 +235,6 @@ std::string signalName(const ::testing::TestParamInfo<int>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Stop, Signals, ::testing::Values(SIGINT, SIGTERM, SIGHUP), signalName);
 
-// It would hold the password.
-TEST(CoreFile, IsNeverLeft) {
-  const Workplace place;
-  Command waiting = place.command({"-f", "zelk.cfg"});
-  waiting.input = Input::pipe();
-  Process process(waiting);
-  process.waitForOutput("Type r to refresh, q to stop.");
-
-  const std::string limits = readFile("/proc/" + std::to_string(process.id()) + "/limits");
-
-  const std::string line = limits.substr(limits.find("Max core file size"), 46);
-  EXPECT_EQ(line, "Max core file size        0                   ");
-}
-
 TEST(InterruptKey, StopsOnATerminal) {
   if (kUnderThreadSanitizer) GTEST_SKIP() << "the sanitizer may hold a signal back for good";
   for (const char* const rate : {"0", "3600"}) {
