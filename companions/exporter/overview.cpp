@@ -66,25 +66,25 @@ std::string timeText(std::time_t time) {
   return text.data();
 }
 
-std::string figures(const Collection& collection) {
+std::string figures(const Outline& last) {
   std::string text;
-  if (const auto& usage = collection.moment.usage) {
+  if (const auto& usage = last.usage) {
     text = std::to_string(usage->sessions.current) + " sessions, " +
            std::to_string(usage->transactions.current) + " transactions, " +
            std::to_string(usage->locks.current) + " locks";
   }
-  if (const auto& files = collection.moment.files) {
-    text += (text.empty() ? "" : ", ") + std::to_string(files->size()) + " open files";
+  if (last.openFiles) {
+    text += (text.empty() ? "" : ", ") + std::to_string(*last.openFiles) + " open files";
   }
   return text;
 }
 
 std::string state(const Target& target) {
-  const auto last = target.last();
+  const auto last = target.outline();
   if (!last) return "<td>not scraped yet<td>";
-  const char* const word = last->isUp() ? "up" : "down";
-  return std::string("<td class=\"") + word + "\">" + word + " since " + timeText(target.since()) +
-         "<td>" + html(last->isUp() ? figures(*last) : last->failure);
+  const char* const word = last->isUp ? "up" : "down";
+  return std::string("<td class=\"") + word + "\">" + word + " since " + timeText(last->since) +
+         "<td>" + html(last->isUp ? figures(*last) : last->failure);
 }
 
 std::string styleHash() {

@@ -28,18 +28,17 @@ std::shared_ptr<const Collection> Target::collect(Clock::time_point deadline) {
     nextExpires_ = std::max(nextExpires_, deadline);
     changed_.notify_all();
   }
+  ++waiting_;
   changed_.wait_until(lock, deadline, [&] { return stops_ || finished_ >= wanted; });
-  return finished_ >= wanted ? last_ : nullptr;
+  --waiting_;
+  std::shared_ptr<const Collection> collection = finished_ >= wanted ? last_ : nullptr;
+  if (waiting_ == 0) last_ = nullptr;
+  return collection;
 }
 
-std::shared_ptr<const Collection> Target::last() const {
+std::optional<Outline> Target::outline() const {
   const std::lock_guard lock(mutex_);
-  return last_;
-}
-
-std::time_t Target::since() const {
-  const std::lock_guard lock(mutex_);
-  return since_;
+  return outline_;
 }
 
 void Target::requestStop() {
@@ -90,19 +89,24 @@ Collection Target::collectInTurn() {
 
 void Target::finish(Collection collection) {
   const std::lock_guard lock(mutex_);
-  noteState(collection);
-  last_ = std::make_shared<const Collection>(std::move(collection));
+  note(collection);
+  if (waiting_ > 0) last_ = std::make_shared<const Collection>(std::move(collection));
   finished_ = begun_;
   changed_.notify_all();
 }
 
-void Target::noteState(const Collection& collection) {
-  const bool isUp = collection.isUp();
-  if (last_ && last_->isUp() == isUp) return;
-  since_ = std::time(nullptr);
-  if (!isUp) {
+void Target::note(const Collection& collection) {
+  const bool isFirst = !outline_;
+  Outline outline = {collection.isUp(), std::time(nullptr), collection.failure,
+                     collection.moment.usage, std::nullopt};
+  if (const auto& files = collection.moment.files) outline.openFiles = files->size();
+  const bool isSame = !isFirst && outline_->isUp == outline.isUp;
+  if (isSame) outline.since = outline_->since;
+  outline_ = std::move(outline);
+  if (isSame) return;
+  if (!outline_->isUp) {
     std::fprintf(stderr, "zelk-exporter: %s: %s\n", name_.c_str(), collection.failure.c_str());
-  } else if (last_) {
+  } else if (!isFirst) {
     std::fprintf(stderr, "zelk-exporter: %s: collected again\n", name_.c_str());
   }
 }

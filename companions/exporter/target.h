@@ -2,16 +2,27 @@
 #pragma once
 
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <ctime>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
 #include "companions/exporter/collection.h"
 
 namespace exporter {
+
+// The last collection of a target, as people want to know it.
+struct Outline {
+  bool isUp = false;
+  std::time_t since = 0;  // since when it has been up or down
+  std::string failure;    // of the first call that failed; empty if no call failed
+  std::optional<tal::Usage> usage;
+  std::optional<std::size_t> openFiles;
+};
 
 // Collects in a thread of its own, so that an engine that hangs does not delay other targets. Any
 // thread may call any function.
@@ -30,11 +41,8 @@ class Target {
   // moment. Returns nothing at the deadline, and when the target stops.
   [[nodiscard]] std::shared_ptr<const Collection> collect(Clock::time_point deadline);
 
-  // The last collection that ended; nothing before the first one.
-  [[nodiscard]] std::shared_ptr<const Collection> last() const;
-
-  // The time since which the target has been up or down; 0 before the first collection.
-  [[nodiscard]] std::time_t since() const;
+  // Nothing before the first collection.
+  [[nodiscard]] std::optional<Outline> outline() const;
 
   // Begins no further collection and closes the connection.
   void requestStop();
@@ -47,7 +55,7 @@ class Target {
   std::unique_lock<std::mutex> takeTurn() const;
   Collection collectInTurn();
   void finish(Collection collection);
-  void noteState(const Collection& collection);
+  void note(const Collection& collection);
 
   const std::string name_;
   const std::shared_ptr<std::mutex> turn_;
@@ -60,8 +68,10 @@ class Target {
   std::uint64_t finished_ = 0;
   Clock::time_point expires_;      // after this time nobody waits for the present collection
   Clock::time_point nextExpires_;  // the same for the next one
+  // Kept only while somebody waits: a target that nobody scrapes must be small.
   std::shared_ptr<const Collection> last_;
-  std::time_t since_ = 0;
+  std::size_t waiting_ = 0;
+  std::optional<Outline> outline_;
   bool stops_ = false;
   bool stopped_ = false;
 
