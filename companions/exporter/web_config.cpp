@@ -19,6 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kLargestFile = 1024UL * 1024;
 constexpr std::size_t kMostAdmitted = 100;
+constexpr const char* kHighestCost = "15";
 // The hash of a password that nobody knows, so that the check of an unknown user takes as long as
 // that of a known one.
 constexpr const char* kNobody = "$2b$10$abcdefghijklmnopqrstuuOtBJtHqcu0CMhS5xVVQKF6M6TJ4UYDO";
@@ -115,17 +116,19 @@ std::string hashOf(const std::string& password, const std::string& setting) {
   return hash == nullptr ? "" : hash;
 }
 
+// Whether it is a bcrypt hash of a cost that a login can bear: above it, each takes seconds.
 bool isBcrypt(const std::string& hash) {
-  return hash.size() == 60 &&
-         (hash.starts_with("$2a$") || hash.starts_with("$2b$") || hash.starts_with("$2y$")) &&
-         hashOf("", hash).size() == 60;
+  const bool isForm = hash.size() == 60 && (hash.starts_with("$2a$") || hash.starts_with("$2b$") ||
+                                            hash.starts_with("$2y$"));
+  return isForm && hash.substr(4, 2) <= kHighestCost && hashOf("", hash).size() == 60;
 }
 
 std::map<std::string, std::string> usersIn(const YAML::Node& table, const fs::path& file) {
   std::map<std::string, std::string> users;
   forEach(table, file, [&](const std::string& user, const YAML::Node& hash) {
     if (!isBcrypt(scalar(hash, file))) {
-      refuse(where(hash, file) + ": the password of " + user + " must be a bcrypt hash");
+      refuse(where(hash, file) + ": the password of " + user +
+             " must be a bcrypt hash of a cost up to " + kHighestCost);
     }
     users.emplace(user, scalar(hash, file));
     return true;
