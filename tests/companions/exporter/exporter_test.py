@@ -23,7 +23,8 @@ from random import Random
 from prometheus_client.openmetrics.parser import text_string_to_metric_families as open_families
 from prometheus_client.parser import text_string_to_metric_families as text_families
 
-PROGRAM, PAGE, RULES = (pathlib.Path(sys.argv.pop(1)).resolve() for _ in range(3))
+from support import PAGE, PROGRAM, Exporter, Silent, configuration
+
 OPEN = "application/openmetrics-text; version=1.0.0"
 PROMETHEUS = ("application/openmetrics-text;version=1.0.0,application/openmetrics-text;"
               "version=0.0.1;q=0.75,text/plain;version=0.0.4;q=0.5,*/*;q=0.1")
@@ -35,73 +36,6 @@ file = [{ name = "a\\"b\\\\c{xFF}", handle = [{ client = "x", wait_state = "file
 requests = 4294967295
 protocol = [{ code = "tcp/ip", requests = 1 }, { code = "tcp/ip", requests = 2 }]
 '''
-
-
-def configuration(server):
-    return (f"SERV={server}\nUSER=\nPASS=\nREFR=0\nLIMI=0\nOUTP=CONSOLE\nNAME=\nFILE=YES\n"
-            "SESS=YES\nCONN=YES\nRESO=YES\nCOMM=YES\nHAND=NO\n")
-
-
-class Exporter:
-    """A running exporter with the configurations {name: server}."""
-
-    def __init__(self, servers, *options, files=None):
-        self.folder = tempfile.TemporaryDirectory()
-        for name, text in (files or {}).items():
-            self.write(name, text)
-        for name, server in servers.items():
-            self.write(name + ".cfg", configuration(server.replace("FOLDER", self.folder.name)))
-        options = [each.replace("FOLDER", self.folder.name) for each in options]
-        self.process = subprocess.Popen(
-            [PROGRAM, "-f", self.folder.name, "--listen", "127.0.0.1:0", *options],
-            stderr=subprocess.PIPE, text=True)
-        line = self.process.stderr.readline()
-        self.port = int(line.rsplit(":", 1)[1]) if "listening" in line else None
-        self.said = line
-        self.lines = []
-        self.reader = threading.Thread(target=lambda: self.lines.extend(self.process.stderr))
-        self.reader.start()
-
-    def write(self, name, text):
-        with open(os.path.join(self.folder.name, name), "w", encoding="utf-8") as file:
-            file.write(text)
-
-    def get(self, path, method="GET", body=None, **headers):
-        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=30)
-        try:
-            connection.request(method, path, body,
-                               {name.replace("_", "-"): value for name, value in headers.items()})
-            answer = connection.getresponse()
-            return answer.status, answer.headers, answer.read()
-        finally:
-            connection.close()
-
-    def values(self, path, **headers):
-        """{sample line without value: value} of a page."""
-        text = self.get(path, **headers)[2].decode()
-        lines = [line for line in text.splitlines() if not line.startswith("#")]
-        return {line.rsplit(" ", 1)[0]: float(line.rsplit(" ", 1)[1]) for line in lines}
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.process.terminate()
-        self.code = self.process.wait(30)
-        self.reader.join()
-        self.process.stderr.close()
-        self.folder.cleanup()
-
-
-class Silent:
-    """A server that accepts connections and never answers."""
-
-    def __enter__(self):
-        self.socket = socket.create_server(("127.0.0.1", 0))
-        return f"postgresql://127.0.0.1:{self.socket.getsockname()[1]}"
-
-    def __exit__(self, *_):
-        self.socket.close()
 
 
 class Served(unittest.TestCase):
@@ -344,6 +278,7 @@ class Protected(unittest.TestCase):
                  self.tls.replace("server.key", "none"): "none cannot be read",
                  self.tls.replace("server.key", "client.key"): "do not fit",
                  "basic_auth_users: {a: secret}": "bcrypt",
+                 self.users.replace("$04$", "$31$"): "a cost up to 15",
                  "basic_auth_users: [": "web.yml:1",
                  self.users + self.users: "given twice", "[" * 100000: "web.yml"}
         for config, text in cases.items():

@@ -1,98 +1,114 @@
 #!/usr/bin/python3
-"""The exporter under a real Prometheus, and the rules and queries that come with it.
+"""The exporter under the real servers that scrape it, and the rules and queries that come with it.
 
 prometheus_test.py zelk-exporter docs/metrics.md packaging/prometheus/zelk.rules.yml
 """
 import json
+import os
 import pathlib
-import socket
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
-import urllib.parse
-import urllib.request
 
-from exporter_test import RULES, Exporter, Silent
+from support import PROGRAM, RULES, Database, Exporter, Silent
 
 HERE = pathlib.Path(__file__).parent
 
-CONFIGURATION = """
-global: {{scrape_interval: 1s, scrape_timeout: 1s, evaluation_interval: 1s}}
-rule_files: [rules.yml]
-scrape_configs:
-  - job_name: zelk
-    http_sd_configs: [{{url: "http://127.0.0.1:{port}/targets", refresh_interval: 1s}}]
-"""
 
-
-class Prometheus:
-    """A private server that finds its targets at an exporter."""
-
+class Prometheus(Database):
     def __init__(self, exporter_port):
-        self.folder = tempfile.TemporaryDirectory()
-        folder = pathlib.Path(self.folder.name)
         # The waiting times of the alerts are for people.
         rules = [line for line in RULES.read_text(encoding="utf-8").splitlines()
                  if not line.strip().startswith("for:")]
-        (folder / "rules.yml").write_text("\n".join(rules), encoding="utf-8")
-        (folder / "prometheus.yml").write_text(CONFIGURATION.format(port=exporter_port),
-                                               encoding="utf-8")
-        with socket.create_server(("127.0.0.1", 0)) as free:
-            self.port = free.getsockname()[1]
-        with (folder / "log").open("w") as log:
-            self.process = subprocess.Popen(
-                ["prometheus", f"--config.file={folder}/prometheus.yml",
-                 f"--storage.tsdb.path={folder}/data",
-                 f"--web.listen-address=127.0.0.1:{self.port}"],
-                stdout=subprocess.DEVNULL, stderr=log)
+        with tempfile.NamedTemporaryFile("w", suffix=".yml", delete=False) as file:
+            file.write("\n".join(rules))
+        self.rules = file.name
+        super().__init__(
+            exporter_port,
+            "global: {scrape_interval: 1s, scrape_timeout: 1s, evaluation_interval: 1s}\n"
+            f"rule_files: [{self.rules}]",
+            ["prometheus", "--config.file={folder}/scrape.yml",
+             "--storage.tsdb.path={folder}/data", "--web.listen-address={address}"])
 
-    def query(self, expression):
-        url = f"http://127.0.0.1:{self.port}/api/v1/query?" + urllib.parse.urlencode(
-            {"query": expression})
-        with urllib.request.urlopen(url, timeout=10) as answer:
-            return json.load(answer)["data"]["result"]
-
-    def wait_for(self, expression, seconds=60):
-        """The result of the query as {instance: value}, as soon as there is one."""
-        deadline = time.monotonic() + seconds
-        while time.monotonic() < deadline:
-            try:
-                if result := self.query(expression):
-                    return {each["metric"].get("instance"): float(each["value"][1])
-                            for each in result}
-            except OSError:
-                pass
-            time.sleep(0.2)
-        log = (pathlib.Path(self.folder.name) / "log").read_text(encoding="utf-8")
-        raise AssertionError(f"{expression}: no result\n{log[-3000:]}")
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.process.terminate()
-        self.process.wait(30)
-        self.folder.cleanup()
+    def __exit__(self, *arguments):
+        super().__exit__(*arguments)
+        os.remove(self.rules)
 
 
-class RealPrometheus(unittest.TestCase):
-    def test_it_finds_scrapes_and_alerts(self):
-        with Silent() as server, Exporter({"frozen": server, "demo": "sim:demo"}) as exporter:
-            direct = exporter.values("/probe?target=demo")
-            with Prometheus(exporter.port) as prometheus:
-                down = prometheus.wait_for('ALERTS{alertname="ZelkTargetDown",alertstate="firing"}')
-                up = prometheus.wait_for("zelk_up and on (instance) zelk_up == 1")
-                limits = prometheus.wait_for('zelk_resource_limit{resource="users"}')
-                ratio = prometheus.wait_for('zelk:resource_used:ratio{resource="users"}')
-                frozen = prometheus.wait_for('zelk_up{instance="frozen"}')
-                waiting = prometheus.wait_for("zelk:handles_waiting:sum > 0")
-        self.assertEqual(down, {"frozen": 1})
-        self.assertEqual((up, frozen), ({"demo": 1}, {"frozen": 0}))
-        self.assertEqual(limits, {"demo": direct['zelk_resource_limit{resource="users"}']})
-        self.assertEqual((set(ratio), set(waiting)), ({"demo"}, {"demo"}))
+class VictoriaMetrics(Database):
+    def __init__(self, exporter_port):
+        super().__init__(
+            exporter_port, "global: {scrape_interval: 1s, scrape_timeout: 1s}",
+            ["victoria-metrics", "-promscrape.config={folder}/scrape.yml",
+             "-promscrape.httpSDCheckInterval=1s", "-search.latencyOffset=0s",
+             "-storageDataPath={folder}/data", "-httpListenAddr={address}",
+             "-memory.allowedBytes=50MB", "-loggerLevel=WARN"])
 
+
+SHOP = """
+file = [{ name = "orders", handle = [{ client = "anna", wait_state = "file", count = 3 }] }]
+[usage]
+users = { current = 4, peak = 6, maximum = 20 }
+transactions = { current = 2 }
+data_mb = { current = 182 }
+[communication]
+requests = 1843207
+timeouts = 2
+protocol = [{ code = "spx", requests = 1204, current_sessions = 1, peak_sessions = 9 }]
+"""
+# The names that lead to a figure in the report of zelk, and the query that returns it.
+SAME_AS_ZELK = {
+    "resource_usage user_count current": 'zelk_resource_current{resource="users"}',
+    "resource_usage user_count peak": 'zelk_resource_peak{resource="users"}',
+    "resource_usage user_count maximum": 'zelk_resource_limit{resource="users"}',
+    "resource_usage transactions current": 'zelk_resource_current{resource="transactions"}',
+    "resource_usage data_in_use_MB current": "zelk_data_bytes / 1024 / 1024",
+    "communication_statistics total_requests_processed": "zelk_requests_total",
+    "communication_statistics total_connection_timeouts": "zelk_communication_timeouts_total",
+    "communication_statistics spx_requests_processed":
+        'sum without (protocol) (zelk_protocol_requests_total{protocol="spx"})',
+    "communication_statistics spx_remote_sessions peak":
+        'zelk_protocol_sessions_peak{protocol="spx"}',
+}
+
+
+def printed_by_zelk(config):
+    """{names that lead to it: number} of a report in JSON."""
+    report = subprocess.run([PROGRAM.parent / "zelk", "-f", config, "-runonce", "-JSON"],
+                            capture_output=True, text=True, check=True).stdout
+    values, path = {}, []
+    for line in filter(lambda each: ":" in each, report.splitlines()):
+        name, _, value = line.strip().rstrip(", ").partition(":")
+        depth = len(line) - len(line.lstrip("\t")) - 1
+        path[depth:] = [name.strip('"')]
+        values[" ".join(path)] = value.strip(' "')
+    return {name: {"shop": float(values[name])} for name in SAME_AS_ZELK}
+
+
+class RealServers(unittest.TestCase):
+    maxDiff = None
+
+    def test_queries_return_what_zelk_prints(self):
+        with Silent() as silent, Exporter({"frozen": silent, "shop": "sim:FOLDER/shop.toml"},
+                                          files={"shop.toml": SHOP}) as exporter:
+            printed = printed_by_zelk(os.path.join(exporter.folder.name, "shop.cfg"))
+            for server in [Prometheus, VictoriaMetrics]:
+                with server(exporter.port) as database:
+                    states = [database.wait_for(f"zelk_up == {state}") for state in [1, 0]]
+                    answers = {name: database.wait_for(query)
+                               for name, query in SAME_AS_ZELK.items()}
+                self.assertEqual(states, [{"shop": 1}, {"frozen": 0}], server)
+                self.assertEqual(answers, printed, server)
+
+    def test_an_alert_fires_when_a_target_is_frozen(self):
+        with Silent() as silent, Exporter({"frozen": silent, "demo": "sim:demo"}) as exporter, \
+                Prometheus(exporter.port) as prometheus:
+            down = prometheus.wait_for('ALERTS{alertname="ZelkTargetDown",alertstate="firing"}')
+            up = prometheus.wait_for("up")
+            ratio = prometheus.wait_for('zelk:resource_used:ratio{resource="users"}')
+        self.assertEqual((down, up), ({"frozen": 1}, {"frozen": 1, "demo": 1}))
+        self.assertEqual(ratio, {"demo": 4 / 20})
 
     def test_each_query_of_the_dashboard_has_data(self):
         dashboard = json.loads((RULES.parent / "zelk.dashboard.json").read_text(encoding="utf-8"))
