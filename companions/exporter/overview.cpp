@@ -17,7 +17,10 @@ constexpr const char* kStyle =
     "table{border-collapse:collapse;width:100%}"
     "td,th{padding:.3em .6em .3em 0;text-align:left;vertical-align:top;"
     "border-bottom:1px solid #ccc;overflow-wrap:anywhere}"
-    ".up{color:#060}.down{color:#a00;font-weight:bold}";
+    ".up{color:#060}.down{color:#a00;font-weight:bold}"
+    // On a phone each target is a paragraph, because three columns do not fit.
+    "@media(max-width:40em){th{display:none}tr{display:block;border-bottom:1px solid #ccc;"
+    "padding:.3em 0}td{display:block;border:0;padding:0}}";
 
 std::string html(const std::string& text) {
   std::string result;
