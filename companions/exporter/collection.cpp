@@ -83,11 +83,13 @@ Collection Collector::collectOnce() {
   for (const Section& section : kSections) {
     if (!(settings_.sections.*section.wanted)) continue;
     const Clock::time_point begin = Clock::now();
+    const std::uint64_t calls = companions::callsOfThisThread();
     std::int16_t status = unconnected;
     if (unconnected == 0) {
       status = statusOf(collection, [&] { section.collect(*connection_, moment); });
     }
-    collection.sections.push_back({section.name, status, secondsSince(begin)});
+    collection.sections.push_back(
+        {section.name, status, secondsSince(begin), companions::callsOfThisThread() - calls});
   }
   // A lost connection fails every further call.
   if (collection.sections.empty() || collection.sections.back().status != 0) connection_.reset();

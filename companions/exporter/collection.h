@@ -20,6 +20,7 @@ struct SectionResult {
   const char* name;
   std::int16_t status = 0;  // 0 if the section was collected
   double seconds = 0;
+  std::uint64_t calls = 0;  // of the engine interface
 };
 
 struct Collection {

@@ -247,6 +247,7 @@ void addScrape(Metrics& metrics, const Collection& collection) {
     metrics.add(Metric::kSectionSuccess, section.status == 0 ? 1 : 0, labels);
     metrics.add(Metric::kSectionDuration, section.seconds, labels);
     metrics.add(Metric::kSectionStatus, section.status, labels);
+    metrics.add(Metric::kSectionCalls, static_cast<double>(section.calls), labels);
   }
 }
 

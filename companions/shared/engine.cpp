@@ -14,16 +14,18 @@ namespace {
 
 constexpr std::int32_t kLocalEngine = -1;
 
-void check(const char* call, std::int16_t status) {
-  if (status != 0) throw CallFailure(call, status);
-}
+thread_local std::uint64_t calls = 0;
 
-// False if the status is `end`, which is not an error.
-bool answered(const char* call, std::int16_t status, std::int16_t end) {
-  if (status == end) return false;
-  check(call, status);
+// False if the status is one of `ends`, which are not errors.
+template <typename... Ends>
+bool answered(const char* call, std::int16_t status, Ends... ends) {
+  ++calls;
+  if (((status == ends) || ...)) return false;
+  if (status != 0) throw CallFailure(call, status);
   return true;
 }
+
+void check(const char* call, std::int16_t status) { answered(call, status); }
 
 // The text of a field: up to its NUL, or to the field's end.
 template <std::size_t kSize>
@@ -77,8 +79,10 @@ std::vector<tal::FileHandle> handlesOfFile(std::int32_t engine, const char* name
   for (std::uint32_t index = 0; index < count; ++index) {
     TalFileHandleInfo info{};
     const std::int16_t status = TalGetFileHandleInfo(engine, name, index, &info);
-    if (status == TAL_STATUS_NO_ENTRY) break;
-    if (!answered("TalGetFileHandleInfo", status, TAL_STATUS_FILE_CLOSED)) return {};
+    if (!answered("TalGetFileHandleInfo", status, TAL_STATUS_NO_ENTRY, TAL_STATUS_FILE_CLOSED)) {
+      if (status == TAL_STATUS_FILE_CLOSED) handles.clear();
+      break;
+    }
     handles.push_back(handleOf(info));
   }
   return handles;
@@ -113,8 +117,11 @@ std::vector<tal::ClientHandle> handlesOfClient(std::int32_t engine, const tagTAL
   for (std::uint32_t index = 0; index < count; ++index) {
     TalClientHandleInfo info{};
     const std::int16_t status = TalGetZorbClientHandleInfo(engine, &id, index, &info);
-    if (status == TAL_STATUS_NO_ENTRY) break;
-    if (!answered("TalGetZorbClientHandleInfo", status, TAL_STATUS_CLIENT_GONE)) return {};
+    if (!answered("TalGetZorbClientHandleInfo", status, TAL_STATUS_NO_ENTRY,
+                  TAL_STATUS_CLIENT_GONE)) {
+      if (status == TAL_STATUS_CLIENT_GONE) handles.clear();
+      break;
+    }
     handles.push_back(handleOf(info));
   }
   return handles;
@@ -172,6 +179,8 @@ std::string CallFailure::text() const {
       .getResStr(std::to_string(status_).c_str())
       .toBytes();
 }
+
+std::uint64_t callsOfThisThread() noexcept { return calls; }
 
 EngineLibrary::EngineLibrary() noexcept { TalStart(nullptr); }
 

@@ -29,6 +29,9 @@ class CallFailure : public std::exception {
   std::int16_t status_;
 };
 
+// How many calls of the interface this thread has made to ask an engine.
+[[nodiscard]] std::uint64_t callsOfThisThread() noexcept;
+
 // The engine library between its start and its stop. One object for a process; it must live longer
 // than every connection.
 class EngineLibrary {

@@ -42,14 +42,18 @@ class Served(unittest.TestCase):
     maxDiff = None
 
     def test_every_metric_stands_on_its_page(self):
-        page = pathlib.Path(PAGE).read_text(encoding="utf-8")
-        rows = re.findall(r"^\| `(\w+)` \| (\w+) \| (\w*) \|.*\| (.*) \|$", page, re.M)
+        definitions, meanings = PAGE.read_text(encoding="utf-8").split("## Meaning for each engine")
+        rows = re.findall(r"^\| `(\w+)` \| (\w+) \| (\w*) \|.*\| (.*) \|$", definitions, re.M)
+        explained = re.findall(r"^\| `(\w+)` \| [^|]{6,} \| [^|]{6,} \| `[^|]+ \|$", meanings, re.M)
         with Exporter({"demo": "sim:demo"}, "--most-waited-for", "2") as exporter:
             families = list(open_families(exporter.get("/metrics", Accept=OPEN)[2].decode()))
         suffix = {"counter": "_total", "info": "_info", "gauge": ""}
         served = [(each.name + suffix[each.type], each.type, each.unit, each.documentation)
                   for each in families]
         self.assertEqual(served, rows)
+        names = [name for name, *_ in served]
+        self.assertEqual(explained, names[names.index("zelk_engine_info"):
+                                          names.index("zelk_exporter_build_info")])
 
     def test_both_formats_are_read_by_the_parsers_of_the_field(self):
         with Exporter({"hostile": "sim:FOLDER/h.toml"}, "--most-waited-for", "1",
@@ -131,7 +135,8 @@ class Failing(unittest.TestCase):
         self.assertEqual(scrape['zelk_scrape_section_status{section="usage"}'], 7111)
         self.assertEqual({name.split("{")[0] for name in scrape},
                          {"zelk_up", "zelk_scrape_duration_seconds", "zelk_scrape_section_success",
-                          "zelk_scrape_section_duration_seconds", "zelk_scrape_section_status"})
+                          "zelk_scrape_section_duration_seconds", "zelk_scrape_section_status",
+                          "zelk_scrape_section_calls"})
         self.assertIn("TalConnectServer: 7111", "".join(exporter.lines))
         self.assertEqual(exporter.code, 0)
 

@@ -135,6 +135,19 @@ TEST_P(ExporterFaults, LeaveACleanNextScrape) {
   }
 }
 
+TEST_P(ExporterFaults, AreCalledAsOftenAsTheScrapeSays) {
+  twoScrapes("", 0, 0);
+  const std::string section = sectionOf(GetParam().function);
+
+  int asked = 0;
+  for (const auto& [function, count] : callsOfFirst_) {
+    if (sectionOf(function) == section && !isStartOrEnd(function)) asked += count;
+  }
+
+  const std::string sample = "zelk_scrape_section_calls{section=\"" + section + "\"}";
+  EXPECT_EQ(valueIn(complete_, sample), section.empty() ? -1 : asked);
+}
+
 INSTANTIATE_TEST_SUITE_P(Of, ExporterFaults, testing::ValuesIn(program_tests::effectTable()),
                          [](const auto& each) { return std::string(each.param.function); });
 
