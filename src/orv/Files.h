@@ -21,8 +21,13 @@ bool ORVPathExists(const String& path);
 
 // True if another user may have planted the file that the path names, so that it must not be
 // written. This is so if, in a folder that every user can write, the path leads to or through a
-// link or a file that belongs neither to this user nor to the owner of the folder.
+// link or a file that belongs neither to this user nor to the owner of the folder, or to a file
+// that has a second name: anybody can give one to a file that he cannot write.
 bool isPlanted(const String& path);
+
+// Opens a file as open() does, but fails with EACCES if it is planted, even if it is so only while
+// it is opened. Returns the descriptor, or -1 and the reason in errno.
+int openToWrite(const String& path, int flags, unsigned permissions);
 
 }  // namespace orv
 

@@ -3,7 +3,9 @@
 #include <pthread.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -20,12 +22,14 @@
 
 namespace {
 
+using orv::ResultException;
 using orv::String;
 using orv::io::FileOutputStream;
 using orv::io::IoException;
 using testing_support::Pipe;
 using testing_support::readFile;
 using testing_support::TemporaryFolder;
+using testing_support::writeFile;
 
 // Far more than a pipe holds.
 const std::string kLongText = [] {
@@ -134,6 +138,37 @@ TEST(FileOutputStream, WritesToTheEndOfAFileThatWasEmptied) {
   stream.write("after");
 
   EXPECT_EQ(readFile(folder / "log"), "after");
+}
+
+// Another user of the shared folder puts a link there and takes it away, again and again.
+TEST(FileOutputStream, EmptiesNothingThroughALinkThatComesAndGoes) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can give a link to another user";
+  const TemporaryFolder folder;
+  std::filesystem::permissions(folder.path(), std::filesystem::perms{01777});
+  writeFile(folder / "victim", "kept");
+  std::filesystem::create_symlink(folder / "victim", folder / "planted");
+  ASSERT_EQ(lchown((folder / "planted").c_str(), 12345, 12345), 0);
+  const std::string away = folder / "planted";
+  const std::string there = folder / "log";
+  std::atomic<bool> isOver = false;
+  std::thread other([&] {
+    while (!isOver) {
+      std::rename(away.c_str(), there.c_str());
+      std::rename(there.c_str(), away.c_str());
+    }
+  });
+
+  for (int i = 0; i < 2000 && readFile(folder / "victim") == "kept"; ++i) {
+    try {
+      FileOutputStream(String(there), false);
+    } catch (const ResultException&) {
+      continue;
+    }
+  }
+
+  isOver = true;
+  other.join();
+  EXPECT_EQ(readFile(folder / "victim"), "kept");
 }
 
 TEST(FileOutputStream, WritesEveryByteAtOnce) {

@@ -19,7 +19,7 @@ constexpr mode_t kPermissions = 0640;
 
 int openForWriting(const String& path) {
   const int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC;
-  const int descriptor = ::open(path.toBytes().c_str(), flags, kPermissions);
+  const int descriptor = openToWrite(path, flags, kPermissions);
   if (descriptor < 0) throw ResultException(resultOfErrno(errno));
   return descriptor;
 }

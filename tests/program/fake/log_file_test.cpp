@@ -164,6 +164,28 @@ TEST(LogFile, IsRefusedWhereItMayBePlanted) {
   EXPECT_FALSE(std::filesystem::exists(place / "private/new"));
 }
 
+// Another user can give a second name to a file that he cannot write.
+TEST(LogFile, IsRefusedInASharedFolderIfItHasASecondName) {
+  const Workplace place;
+  const std::filesystem::path shared = place / "shared";
+  std::filesystem::create_directory(shared);
+  std::filesystem::permissions(shared, std::filesystem::perms{01777});
+  writeFile(place / "victim", "kept");
+  std::filesystem::create_hard_link(place / "victim", shared / "run.log");
+  place.configure({
+      {"OUTP", "FILE"          },
+      {"NAME", "shared/run.log"}
+  });
+
+  const Result result = run(place.command(kOnce));
+
+  EXPECT_EQ(result.error,
+            "Cannot create the log file \"shared/run.log\": permission denied (0x80070005). Check "
+            "the key NAME in the configuration file.\n");
+  EXPECT_EQ(result.ending, Ending::exit(1));
+  EXPECT_EQ(readFile(place / "victim"), "kept");
+}
+
 TEST(LogFile, MayBeAnOwnLinkInASharedFolder) {
   const Workplace place;
   std::filesystem::create_directory(place / "shared");
