@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "bench/servers/server.h"
+#include "tal/mariadb/statements.h"
 
 namespace bench {
 namespace {
@@ -52,14 +53,14 @@ class Mariadb : public Server {
   }
 
   [[nodiscard]] std::string name() const override { return "mariadb://" + socketIn(place_); }
-  [[nodiscard]] std::string engine() const override { return "mariadb"; }
   [[nodiscard]] Statements statements() const override {
+    using namespace tal::mariadb;
     return {
-        {"handles.sql",  "files.sql"},
-        {"clients.sql",              "handles.sql", "files.sql"},
-        {"sql_connections.sql"},
-        {"usage.sql"             },
-        {"communication.sql"                          }
+        .files = {kLocks,  kFiles},
+        .sessions = {kClients,       kLocks, kFiles},
+        .connections = {kSqlConnections},
+        .resources = {kUsage      },
+        .communications = {kCommunication            }
     };
   }
   [[nodiscard]] std::vector<std::string> client(const std::string& file) const override {

@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "bench/servers/server.h"
+#include "tal/postgresql/statements.h"
 
 namespace bench {
 namespace {
@@ -41,8 +42,8 @@ class Postgresql : public Server {
     ask(admin_.get(), "CREATE EXTENSION pg_stat_statements");
     ask(admin_.get(), "CREATE ROLE zelk LOGIN IN ROLE pg_read_all_stats");
     for (int i = 0; i < tables; ++i) {
-      const std::string table = "t" + std::to_string(i);
-      ask(admin_.get(), "CREATE TABLE " + table + " AS SELECT 1 AS id");
+      std::string statement = "CREATE TABLE t";
+      ask(admin_.get(), statement += std::to_string(i) + " AS SELECT 1 AS id");
     }
     for (int i = 0; i < sessions; ++i) {
       sessions_.push_back(connect(place_));
@@ -52,13 +53,13 @@ class Postgresql : public Server {
   }
 
   [[nodiscard]] std::string name() const override { return "postgresql://" + place_.socketFolder; }
-  [[nodiscard]] std::string engine() const override { return "postgresql"; }
   [[nodiscard]] Statements statements() const override {
-    return {{"open_files.sql"},
-            {"clients.sql"},
-            {"sql_connections.sql"},
-            {"usage.sql"},
-            {"communication.sql"}};
+    using namespace tal::postgresql;
+    return {.files = {filesStatement().text},
+            .sessions = {clientsStatement().text},
+            .connections = {sqlConnectionsStatement().text},
+            .resources = {usageStatement().text},
+            .communications = {communicationStatement().text}};
   }
   [[nodiscard]] std::vector<std::string> client(const std::string& file) const override {
     return {place_.programs + "/psql",

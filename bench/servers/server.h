@@ -7,7 +7,7 @@
 
 namespace bench {
 
-// The statements behind each section of a report: files in the folder of the server's engine.
+// The statements behind each section of a report, as its engine sends them.
 struct Statements {
   std::vector<std::string> files;
   std::vector<std::string> sessions;
@@ -33,8 +33,6 @@ class Server {
 
   // What SERV would be.
   [[nodiscard]] virtual std::string name() const = 0;
-  // The folder of its engine in tal.
-  [[nodiscard]] virtual std::string engine() const = 0;
   [[nodiscard]] virtual Statements statements() const = 0;
   // The command that runs the statements in a file as zelk and prints a line for each column.
   [[nodiscard]] virtual std::vector<std::string> client(const std::string& file) const = 0;

@@ -146,7 +146,7 @@ ConnectionHandle startConnection(const Target& target) {
 Secret passwordFor(const Target& target) {
   if (!target.password.empty()) return target.password;
   Target nowhere = target;
-  nowhere.address = "-";  // no numeric address: nothing is connected to
+  nowhere.address.assign(1, '-');  // no numeric address: nothing is connected to
   const ConnectionHandle connection = startConnection(nowhere);
   const char* const password = PQpass(connection.get());
   return password != nullptr ? password : "";
