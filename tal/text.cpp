@@ -50,6 +50,8 @@ constexpr Range kReplaced[] = {
     {0xfeff, 0xfeff},
 };
 
+bool isPlain(char byte) noexcept { return byte >= ' ' && byte <= '~'; }
+
 bool isReplaced(std::string_view character) noexcept {
   const char32_t point = codePointOf(character);
   return std::ranges::any_of(
@@ -60,6 +62,12 @@ bool isReplaced(std::string_view character) noexcept {
 std::size_t write(char* out, std::size_t limit, std::string_view text) noexcept {
   std::size_t length = 0;
   while (!text.empty()) {
+    // Nearly every byte is one of these.
+    while (length < limit && !text.empty() && isPlain(text.front())) {
+      out[length++] = text.front();
+      text.remove_prefix(1);
+    }
+    if (text.empty()) break;
     const std::string_view character = text.substr(0, characterLength(text));
     const bool replaced = isReplaced(character);
     const std::size_t width = replaced ? 1 : character.size();
