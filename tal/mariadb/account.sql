@@ -1,4 +1,7 @@
-SELECT @@innodb_read_only, @@skip_networking, @@aria_block_size, @@myisam_block_size, @@performance_schema,
+-- Facts that cannot change while the server runs. The parts without rows fail if the account may
+-- not read a table that another statement needs.
+SELECT @@innodb_read_only, @@skip_networking, @@aria_block_size, @@myisam_block_size,
+       @@performance_schema,
        (SELECT COUNT(*) FROM information_schema.innodb_trx)
 UNION ALL SELECT 0, 0, 0, 0, 0, 0 FROM performance_schema.threads WHERE FALSE
 UNION ALL SELECT 0, 0, 0, 0, 0, 0 FROM performance_schema.socket_instances WHERE FALSE

@@ -1,11 +1,15 @@
-#include "tal/mariadb/read_files.h"
+#include "tal/mariadb/data_files.h"
 
 #include <string_view>
+#include <unordered_map>
 
 namespace tal::mariadb {
 namespace {
 
 enum Column : std::size_t { kPart, kPath, kEvent, kSpace, kPageSize, kBytes, kSchema, kTable };
+
+// Of the column `part`. Every other row is a file that the server has open.
+constexpr std::string_view kTablespace = "tablespace";
 
 constexpr std::string_view kInnodbData = "wait/io/file/innodb/innodb_data_file";
 
@@ -49,11 +53,11 @@ std::string_view partOf(std::string_view path) { return path.substr(0, path.rfin
 
 }  // namespace
 
-std::vector<DataFile> readFiles(sql::RowSource& rows, const ServerFacts& facts) {
+std::vector<DataFile> readDataFiles(sql::RowSource& rows, const ServerFacts& facts) {
   std::vector<DataFile> files;
-  std::map<std::string, std::size_t> indexes;
+  std::unordered_map<std::string, std::size_t> indexes;
   while (rows.next()) {
-    const bool isTablespace = sql::text(rows, kPart) == "I";
+    const bool isTablespace = rows.cell(kPart) == kTablespace;
     const auto [known, isNew] = indexes.try_emplace(sql::text(rows, kPath), files.size());
     if (isNew) {
       files.push_back(isTablespace ? DataFile{.path = known->first, .table = {}, .space = {}}
@@ -65,6 +69,7 @@ std::vector<DataFile> readFiles(sql::RowSource& rows, const ServerFacts& facts) 
 }
 
 TableFiles::TableFiles(const std::vector<DataFile>& files) : files_(files) {
+  tables_.reserve(files.size());
   for (std::size_t i = 0; i < files.size(); ++i) add(i);
 }
 

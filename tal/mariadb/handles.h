@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "tal/engine.h"
-#include "tal/mariadb/read_files.h"
+#include "tal/mariadb/data_files.h"
 #include "tal/mariadb/read_locks.h"
 
 namespace tal::mariadb {

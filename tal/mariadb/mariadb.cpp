@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "tal/mariadb/connection.h"
+#include "tal/mariadb/data_files.h"
 #include "tal/mariadb/handles.h"
 #include "tal/mariadb/login.h"
 #include "tal/mariadb/option_files.h"
 #include "tal/mariadb/read_clients.h"
 #include "tal/mariadb/read_communication.h"
-#include "tal/mariadb/read_files.h"
 #include "tal/mariadb/read_locks.h"
 #include "tal/mariadb/read_sql_connections.h"
 #include "tal/mariadb/read_usage.h"
@@ -88,7 +88,7 @@ class MariaDbEngine final : public Engine {
 
   std::vector<DataFile> dataFiles() {
     Result rows = connection_.run(kFiles);
-    return readFiles(rows, connection_.facts());
+    return readDataFiles(rows, connection_.facts());
   }
 
   Connection connection_;

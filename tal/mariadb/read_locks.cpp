@@ -24,12 +24,14 @@ enum Column : std::size_t {
   kRowsModified
 };
 
-enum class Part : char {
-  kProcess = 'P',
-  kTransaction = 'X',
-  kInnodbLock = 'L',
-  kMetadataLock = 'M',
-};
+enum class Part : std::uint8_t { kConnection, kTransaction, kInnodbLock, kMetadataLock };
+
+constexpr auto kParts = std::to_array<std::pair<std::string_view, Part>>({
+    {"connection",    Part::kConnection  },
+    {"transaction",   Part::kTransaction },
+    {"innodb lock",   Part::kInnodbLock  },
+    {"metadata lock", Part::kMetadataLock},
+});
 
 constexpr auto kStrengths = std::to_array<std::pair<std::string_view, Strength>>({
     {"SHARED",               Strength::kRead     },
@@ -118,16 +120,16 @@ class PictureMaker {
   explicit PictureMaker(std::int64_t ownConnection) : own_(ownConnection) {}
 
   void take(const sql::RowSource& row) {
-    const std::string part = sql::text(row, kPart);
+    const auto part = sql::codeOf(kParts, row, kPart);
     const std::int64_t connection = sql::integer(row, kConnection);
-    const auto kind = static_cast<Part>(part.empty() ? '\0' : part.front());
+    if (!part) return;
     if (connection == own_) {
-      picture_.isComplete = picture_.isComplete || kind == Part::kMetadataLock;
+      picture_.isComplete = picture_.isComplete || *part == Part::kMetadataLock;
       return;
     }
-    switch (kind) {
-      case Part::kProcess:
-        return addProcess(owner(connection), row);
+    switch (*part) {
+      case Part::kConnection:
+        return addConnection(owner(connection), row);
       case Part::kTransaction:
         return addTransaction(owner(connection), row);
       case Part::kInnodbLock:
@@ -164,7 +166,7 @@ class PictureMaker {
     return use;
   }
 
-  static void addProcess(LockOwner& owner, const sql::RowSource& row) {
+  static void addConnection(LockOwner& owner, const sql::RowSource& row) {
     owner.name = sql::text(row, kSchema) + "@" + std::string(hostOf(sql::text(row, kName)));
     owner.state = sql::text(row, kKind);
   }

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tal/mariadb/read_files.h"
+#include "tal/mariadb/data_files.h"
 #include "tal/sql/row.h"
 
 namespace tal::mariadb {

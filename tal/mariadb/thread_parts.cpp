@@ -1,7 +1,9 @@
 #include "tal/mariadb/thread_parts.h"
 
 #include <algorithm>
-#include <map>
+#include <array>
+#include <unordered_map>
+#include <utility>
 
 #include "tal/engine.h"
 #include "tal/sql/numbers.h"
@@ -13,16 +15,27 @@ constexpr std::string_view kSocket = "Socket";
 
 enum Column : std::size_t { kPart, kKey, kName, kAddress, kDetail, kCommand, kNumber };
 
-enum class Part : char {
-  kConnection = 'P',
-  kThreadOfConnection = 'T',
-  kSocketOfThread = 'S',
-  kRecordsOfThread = 'H',
-  kFileOperationsOfThread = 'W',
-  kTimeOfThread = 'D',
-  kWordOfClient = 'A',
-  kTransaction = 'X',
+enum class Part : std::uint8_t {
+  kConnection,
+  kThreadOfConnection,
+  kSocketOfThread,
+  kRecordsOfThread,
+  kFileOperationsOfThread,
+  kTimeOfThread,
+  kWordOfClient,
+  kTransaction,
 };
+
+constexpr auto kParts = std::to_array<std::pair<std::string_view, Part>>({
+    {"connection",         Part::kConnection            },
+    {"thread",             Part::kThreadOfConnection    },
+    {"socket",             Part::kSocketOfThread        },
+    {"record counter",     Part::kRecordsOfThread       },
+    {"file operations",    Part::kFileOperationsOfThread},
+    {"time",               Part::kTimeOfThread          },
+    {"word of the client", Part::kWordOfClient          },
+    {"transaction",        Part::kTransaction           },
+});
 
 std::int64_t& counterOf(ThreadFacts& facts, std::string_view variable) {
   if (variable == "Handler_delete") return facts.recordsDeleted;
@@ -59,7 +72,7 @@ ConnectionFacts connectionOf(const sql::RowSource& row) {
 
 // The value at `key`, or a default value.
 template <typename Value>
-Value valueAt(const std::map<std::int64_t, Value>& values, std::int64_t key) {
+Value valueAt(const std::unordered_map<std::int64_t, Value>& values, std::int64_t key) {
   const auto found = values.find(key);
   return found == values.end() ? Value{} : found->second;
 }
@@ -67,9 +80,10 @@ Value valueAt(const std::map<std::int64_t, Value>& values, std::int64_t key) {
 class Joiner {
  public:
   void take(const sql::RowSource& row) {
-    const std::string part = sql::text(row, kPart);
+    const auto part = sql::codeOf(kParts, row, kPart);
     const std::int64_t key = sql::integer(row, kKey);
-    switch (static_cast<Part>(part.empty() ? '\0' : part.front())) {
+    if (!part) return;
+    switch (*part) {
       case Part::kConnection:
         return connections_.push_back(connectionOf(row));
       case Part::kThreadOfConnection:
@@ -109,10 +123,10 @@ class Joiner {
   }
 
   std::vector<ConnectionFacts> connections_;
-  std::map<std::int64_t, ThreadFacts> facts_;     // by thread
-  std::map<std::int64_t, std::int64_t> threads_;  // these by connection
-  std::map<std::int64_t, ClientWords> words_;
-  std::map<std::int64_t, std::optional<std::int64_t>> rowsLocked_;
+  std::unordered_map<std::int64_t, ThreadFacts> facts_;     // by thread
+  std::unordered_map<std::int64_t, std::int64_t> threads_;  // these by connection
+  std::unordered_map<std::int64_t, ClientWords> words_;
+  std::unordered_map<std::int64_t, std::optional<std::int64_t>> rowsLocked_;
 };
 
 }  // namespace

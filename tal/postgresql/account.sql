@@ -1,4 +1,4 @@
--- zelk: whether this role may see what is reported, then the settings of the session.
+-- zelk: may this account see everything that is reported, and are the settings of the session ours?
 SELECT pg_catalog.pg_has_role('pg_read_all_stats', 'USAGE'),
        pg_catalog.current_setting('search_path'),
        pg_catalog.current_setting('statement_timeout'),

@@ -1,6 +1,7 @@
--- zelk: who holds and who awaits what; the lists of files and of clients begin with this. Functions
--- are named with their schema and operators meet their exact types, so that nothing that a user
--- made can take their place. {size} stands for what the size of a relation in bytes is.
+-- zelk: who holds and who awaits what. The lists of files and of clients and the usage begin with
+-- this. Every function has its schema before it and every operator gets the exact types, so that
+-- nothing that a user made can take their place. {size} stands for the expression that gives the
+-- size of a relation in bytes.
 WITH here AS MATERIALIZED (
   SELECT d.oid AS database, pg_catalog.current_setting('block_size')::bigint AS page
   FROM pg_catalog.pg_database d
@@ -10,14 +11,16 @@ WITH here AS MATERIALIZED (
          coalesce(a.usename::text || '@'::text || a.datname::text, a.backend_type) AS name
   FROM pg_catalog.pg_stat_activity a
 ), every_lock AS MATERIALIZED (
-  -- A parallel worker's locks are its leader's. A prepared transaction has no process.
+  -- The locks of a parallel worker count as those of its leader. A prepared transaction has no
+  -- process.
   SELECT l.locktype, l.database, l.relation, l.transactionid, l.virtualxid, l.classid, l.objid,
          l.objsubid, l.mode, l.granted, coalesce(p.leader, l.pid, 0) AS pid,
          CASE WHEN l.pid IS NULL THEN l.virtualtransaction ELSE '' END AS prepared
   FROM pg_catalog.pg_locks l LEFT JOIN process p ON p.pid = l.pid
   WHERE l.pid IS DISTINCT FROM pg_catalog.pg_backend_pid()
 ), burden AS MATERIALIZED (
-  -- Above 50 000 locks each owner keeps an equal share, and with it every step-th object.
+  -- If there are more than 50 000 locks, each owner gets an equal share of them: those on every
+  -- step-th object.
   SELECT b.pid, b.prepared, b.granted, b.in_transaction, (b.locks - 1) / b.share + 1 AS step
   FROM (SELECT k.pid, k.prepared, pg_catalog.count(*) AS locks,
                pg_catalog.count(*) FILTER (WHERE k.granted) AS granted,
@@ -68,10 +71,11 @@ WITH here AS MATERIALIZED (
   WHERE k.relation IS NOT NULL
   GROUP BY k.pid, k.prepared, k.database, k.relation
 ), relation AS MATERIALIZED (
-  -- Names, kinds and sizes are known in this database and for shared catalogs alone.
+  -- Names, kinds and sizes are known only in this database and for the catalogs that all databases
+  -- share.
   SELECT r.database, r.relation, c.relkind,
          CASE WHEN c.oid IS NULL THEN 0::bigint
-              -- Asking for the true size would wait for whoever locks the relation away.
+              -- To read the true size, the server would wait until this lock is released.
               WHEN r.is_locked_away THEN c.relpages::bigint * here.page
               ELSE {size} END AS bytes,
          coalesce(d.datname::text, 'global') || '.'::text ||
@@ -85,7 +89,8 @@ WITH here AS MATERIALIZED (
        LEFT JOIN pg_catalog.pg_namespace n ON n.oid = c.relnamespace
   WHERE c.oid IS NULL OR c.relkind IN ('r', 'i', 'm', 'S', 't')
 ), other_use AS MATERIALIZED (
-  -- What is locked and no relation: advisory locks always, the rest when somebody waits for it.
+  -- Locks on other things than relations. Advisory locks are always shown, the others only while
+  -- somebody waits for them.
   SELECT u.*
   FROM (SELECT k.pid, k.prepared, k.locktype, k.database, k.transactionid, k.virtualxid, k.classid,
                k.objid, k.objsubid,
@@ -138,7 +143,8 @@ WITH here AS MATERIALIZED (
        LEFT JOIN pg_catalog.pg_database object_database
               ON object_database.oid = u.objid AND catalog.relname = 'pg_database'
 ), use AS MATERIALIZED (
-  -- Full joins, because the server guesses too few rows: it would compare each with each.
+  -- These are full joins because the server expects too few rows: it would join all others by
+  -- comparing each row with each.
   SELECT u.pid, o.name AS owner, u.database, u.relation, r.name, true AS is_relation,
          coalesce(r.relkind = 'r', true) AS has_rows, u.held, u.asked,
          u.awaits_row OR (u.picks_row AND o.awaits_change) AS awaits_record,

@@ -6,7 +6,7 @@ SELECT coalesce(a.client_hostname, pg_catalog.host(a.client_addr),
        a.usename AS user_name,
        CASE a.state WHEN 'active' THEN true
                     WHEN 'fastpath function call' THEN true
-                    -- With track_activities off: whether it waits for the client.
+                    -- track_activities is off. It is idle if it waits for the client.
                     WHEN 'disabled' THEN coalesce(a.wait_event <> 'ClientRead', true)
                     ELSE false END AS is_active,
        pg_catalog.round(extract(epoch FROM pg_catalog.clock_timestamp() -

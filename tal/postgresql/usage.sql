@@ -1,5 +1,5 @@
--- Resource usage, by the rows of the lists. The process types that are no workers include those of
--- later versions.
+-- Resource usage. What is counted here agrees with the lists. The workers are all processes but
+-- those of the types below, which include types of later versions.
 SELECT (SELECT pg_catalog.count(*) FROM process p WHERE p.backend_type = 'client backend')
          AS users,
        pg_catalog.current_setting('max_connections') AS users_maximum,

@@ -2,11 +2,13 @@
 // server is not trusted: a decoder must accept any text, any number and NULL in any column.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tal::sql {
 
@@ -35,5 +37,16 @@ std::int64_t integer(const RowSource& row, std::size_t column);
 // A column as a number of the interface: a number below 0 becomes 0, and one that does not fit 32
 // bits the largest that does. Throws as integer() does.
 std::uint32_t count(const RowSource& row, std::size_t column);
+
+// The code of the word in a column, as a table of words and codes has it; nothing for another word.
+template <typename Code, std::size_t size>
+std::optional<Code> codeOf(const std::array<std::pair<std::string_view, Code>, size>& table,
+                           const RowSource& row, std::size_t column) {
+  const auto cell = row.cell(column);
+  for (const auto& [word, code] : table) {
+    if (cell == word) return code;
+  }
+  return std::nullopt;
+}
 
 }  // namespace tal::sql

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "tal/mariadb/data_files.h"
 #include "tal/mariadb/greeting.h"
 #include "tal/mariadb/handles.h"
 #include "tal/mariadb/read_clients.h"
 #include "tal/mariadb/read_communication.h"
-#include "tal/mariadb/read_files.h"
 #include "tal/mariadb/read_locks.h"
 #include "tal/mariadb/read_sql_connections.h"
 #include "tal/mariadb/read_usage.h"
@@ -40,7 +40,7 @@ Rows takeRows(std::string_view& input) {
 
 void readLists(const Answers& answers) {
   Table fileRows(answers.files);
-  const auto files = tal::mariadb::readFiles(fileRows, kFacts);
+  const auto files = tal::mariadb::readDataFiles(fileRows, kFacts);
   const tal::mariadb::TableFiles tableFiles(files);
   Table lockRows(answers.locks);
   const auto picture = tal::mariadb::readLocks(lockRows, kOwnConnection);

@@ -17,25 +17,25 @@ constexpr std::int64_t kOwn = 99;
 
 // Rows of locks.sql.
 Row process(const char* connection, const char* state) {
-  return {"P", connection, state, "app", "host:4711"};
+  return {"connection", connection, state, "app", "host:4711"};
 }
 Row transaction(const char* connection, const char* tables, const char* rows,
                 const char* modified) {
-  return {"X", connection, {},   {},      std::string("9") + connection, {}, {},
-          {},  tables,     rows, modified};
+  return {"transaction", connection, {},      {}, std::string("9") + connection, {}, {}, {},
+          tables,        rows,       modified};
 }
 Row innodb(const char* connection, const char* kind, const char* table, const char* mode,
            const char* granted, Cell space) {
-  return {"L",     connection,      kind, {}, "`db`.`" + std::string(table) + "`", mode,
-          granted, std::move(space)};
+  return {"innodb lock", connection,      kind, {}, "`db`.`" + std::string(table) + "`", mode,
+          granted,       std::move(space)};
 }
 Row metadata(const char* connection, const char* table, const char* type,
              const char* granted = "1") {
-  return {"M", connection, "TABLE", "db", table, type, granted};
+  return {"metadata lock", connection, "TABLE", "db", table, type, granted};
 }
 Row object(const char* connection, const char* kind, Cell schema, Cell name, const char* type,
            const char* granted = "1") {
-  return {"M", connection, kind, std::move(schema), std::move(name), type, granted};
+  return {"metadata lock", connection, kind, std::move(schema), std::move(name), type, granted};
 }
 const Row kOwnLock = metadata("99", "metadata_locks", "SHARED_READ");
 
@@ -340,9 +340,9 @@ TEST(LocksTest, ConnectionThatIsNotListedIsLeftOut) {
 TEST(LocksTest, NamesOfInnodbAreUnquoted) {
   const TableFiles tables(kFiles);
   Table table({
-      {"L", "1", "TABLE", {}, "`a``b`.`c``` /* Partition `p` */", "IX", "1"},
-      {"L", "2", "TABLE", {}, "`open",                            "IX", "1"},
-      {"L", "3", "TABLE", {}, "",                                 "IX", "1"}
+      {"innodb lock", "1", "TABLE", {}, "`a``b`.`c``` /* Partition `p` */", "IX", "1"},
+      {"innodb lock", "2", "TABLE", {}, "`open",                            "IX", "1"},
+      {"innodb lock", "3", "TABLE", {}, "",                                 "IX", "1"}
   });
 
   std::string names;
@@ -353,8 +353,9 @@ TEST(LocksTest, NamesOfInnodbAreUnquoted) {
 
 TEST(LocksTest, RowsOfNullsAreCarried) {
   EXPECT_EQ(handlesIn({}), "");
-  EXPECT_EQ(handlesIn({Row(11), {"M"}, {"L"}, {"X"}, {"P"}, {}}),
-            "0 . 0 N 2 1019\n0  0 N 2 1019\n");
+  EXPECT_EQ(
+      handlesIn({Row(11), {"metadata lock"}, {"innodb lock"}, {"transaction"}, {"connection"}, {}}),
+      "0 . 0 N 2 1019\n0  0 N 2 1019\n");
 }
 
 }  // namespace

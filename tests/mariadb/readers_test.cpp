@@ -3,8 +3,8 @@
 
 #include <limits>
 
+#include "tal/mariadb/data_files.h"
 #include "tal/mariadb/read_clients.h"
-#include "tal/mariadb/read_files.h"
 #include "tal/mariadb/read_sql_connections.h"
 #include "tal/mariadb/thread_parts.h"
 #include "tests/sql/table.h"
@@ -20,18 +20,28 @@ const ServerFacts kFacts{
 
 TEST(DataFilesTest, BothPartsMeetByPath) {
   Table rows({
-      {"F", "/d/db/t.ibd",         "wait/io/file/innodb/innodb_data_file", {},  {},      {},      "db", "t"      },
-      {"F", "/d/db/a.MAI",         "wait/io/file/aria/MAI",                {},  {},      {},      "db", "a"      },
-      {"F", "/d/db/m.MYI",         "wait/io/file/myisam/kfile",            {},  {},      {},      "db", "m"      },
-      {"F", "/d/ddl_recovery.log", "wait/io/file/sql/global_ddl_log",      {},  {},      {},      "d",  "ddl"    },
-      {"F", "/d/ibdata1",          "wait/io/file/innodb/innodb_data_file", {},  {},      {},      "d",  "ibdata1"},
-      {"I", "/d/db/t.ibd",         {},                                     "5", "16384", "65537", "db", "t"      },
-      {"I", "/x/u.ibd",            {},                                     "6", "4096",  "1024",  "db", "u"      },
-      {"I", "/d/ibdata1",          {},                                     "0", "16384", "2048",  "d",  "ibdata1"},
-      {"I", "/d/undo001",          {},                                     "9", "16384", "4096",  "d",  "undo001"}
+      {"open file",  "/d/db/t.ibd", "wait/io/file/innodb/innodb_data_file", {},  {},      {},      "db", "t"      },
+      {"open file",  "/d/db/a.MAI", "wait/io/file/aria/MAI",                {},  {},      {},      "db", "a"      },
+      {"open file",  "/d/db/m.MYI", "wait/io/file/myisam/kfile",            {},  {},      {},      "db", "m"      },
+      {"open file",
+       "/d/ddl_recovery.log",       "wait/io/file/sql/global_ddl_log",
+       {},
+       {},
+       {},
+       "d",                                                                                              "ddl"    },
+      {"open file",
+       "/d/ibdata1",                "wait/io/file/innodb/innodb_data_file",
+       {},
+       {},
+       {},
+       "d",                                                                                              "ibdata1"},
+      {"tablespace", "/d/db/t.ibd", {},                                     "5", "16384", "65537", "db", "t"      },
+      {"tablespace", "/x/u.ibd",    {},                                     "6", "4096",  "1024",  "db", "u"      },
+      {"tablespace", "/d/ibdata1",  {},                                     "0", "16384", "2048",  "d",  "ibdata1"},
+      {"tablespace", "/d/undo001",  {},                                     "9", "16384", "4096",  "d",  "undo001"}
   });
 
-  const std::vector<DataFile> files = readFiles(rows, kFacts);
+  const std::vector<DataFile> files = readDataFiles(rows, kFacts);
 
   std::string result;
   for (const DataFile& file : files) {
@@ -72,20 +82,20 @@ TEST(TableFilesTest, PartitionedTableStandsForItsFirstPartition) {
 
 TEST(ClientsTest, PartsMeetByThreadAndConnection) {
   Table rows({
-      {"X", "7",     {},                      {},                 {}, {}, "12"        },
-      {"A", "7",     "_pid",                  {},                 {}, {}, "4242"      },
-      {"W", "20",    {},                      {},                 {}, {}, "3"         },
-      {"W", "20",    {},                      {},                 {}, {}, "4"         },
-      {"W", "21",    {},                      {},                 {}, {}, "1000"      },
-      {"H", "20",    "Handler_delete",        {},                 {}, {}, "1"         },
-      {"H", "20",    "Handler_update",        {},                 {}, {}, "2"         },
-      {"H", "20",    "Handler_write",         {},                 {}, {}, "9999999999"},
-      {"H", "20",    "Handler_read_key",      {},                 {}, {}, "5"         },
-      {"H", "20",    "Handler_read_rnd_next", {},                 {}, {}, "6"         },
-      {"S", "20",    {},                      "192.0.2.7",        {}, {}, {}          },
-      {"T", "20",    {},                      {},                 {}, {}, "7"         },
-      {"P", "70000", "system user",           "",                 {}, {}, {}          },
-      {"P", "7",     "app",                   "far.example:5000", {}, {}, {}          }
+      {"transaction",        "7",     {},                      {},                 {}, {}, "12"        },
+      {"word of the client", "7",     "_pid",                  {},                 {}, {}, "4242"      },
+      {"file operations",    "20",    {},                      {},                 {}, {}, "3"         },
+      {"file operations",    "20",    {},                      {},                 {}, {}, "4"         },
+      {"file operations",    "21",    {},                      {},                 {}, {}, "1000"      },
+      {"record counter",     "20",    "Handler_delete",        {},                 {}, {}, "1"         },
+      {"record counter",     "20",    "Handler_update",        {},                 {}, {}, "2"         },
+      {"record counter",     "20",    "Handler_write",         {},                 {}, {}, "9999999999"},
+      {"record counter",     "20",    "Handler_read_key",      {},                 {}, {}, "5"         },
+      {"record counter",     "20",    "Handler_read_rnd_next", {},                 {}, {}, "6"         },
+      {"socket",             "20",    {},                      "192.0.2.7",        {}, {}, {}          },
+      {"thread",             "20",    {},                      {},                 {}, {}, "7"         },
+      {"connection",         "70000", "system user",           "",                 {}, {}, {}          },
+      {"connection",         "7",     "app",                   "far.example:5000", {}, {}, {}          }
   });
 
   const std::vector<Client> clients = readClients(rows);
@@ -112,10 +122,10 @@ TEST(ClientsTest, PartsMeetByThreadAndConnection) {
 TEST(ClientsTest, CountersDoNotOverflow) {
   const char* const largest = "18446744073709551615";
   Table rows({
-      {"P", "7",  "app", "h:1", {}, {}, {}     },
-      {"T", "20", {},    {},    {}, {}, "7"    },
-      {"W", "20", {},    {},    {}, {}, largest},
-      {"W", "20", {},    {},    {}, {}, largest}
+      {"connection",      "7",  "app", "h:1", {}, {}, {}     },
+      {"thread",          "20", {},    {},    {}, {}, "7"    },
+      {"file operations", "20", {},    {},    {}, {}, largest},
+      {"file operations", "20", {},    {},    {}, {}, largest}
   });
 
   EXPECT_EQ(readClients(rows)[0].diskAccesses, kLargest);
@@ -156,17 +166,17 @@ std::string text(const SqlConnection& row) {
 
 TEST(SqlConnectionsTest, PartsMeetByThreadAndConnection) {
   Table rows({
-      {"P", "9",  "b",            "far:2",     {},     "Killed", "5000000000"},
-      {"P", "8",  "a",            "near:1",    "db",   "Sleep",  "1500"      },
-      {"P", "10", "c",            "localhost", {},     "Query",  "-1"        },
-      {"T", "30", {},             {},          {},     {},       "8"         },
-      {"S", "30", {},             "127.0.0.1", {},     {},       {}          },
-      {"D", "30", {},             {},          {},     {},       "2000000"   },
-      {"D", "30", {},             {},          {},     {},       "600000"    },
-      {"D", "31", {},             {},          {},     {},       "7000000"   },
-      {"A", "8",  "_client_name", {},          "libx", {},       {}          },
-      {"A", "8",  "program_name", {},          "prog", {},       {}          },
-      {"A", "9",  "_client_name", {},          "libx", {},       {}          }
+      {"connection",         "9",  "b",            "far:2",     {},     "Killed", "5000000000"},
+      {"connection",         "8",  "a",            "near:1",    "db",   "Sleep",  "1500"      },
+      {"connection",         "10", "c",            "localhost", {},     "Query",  "-1"        },
+      {"thread",             "30", {},             {},          {},     {},       "8"         },
+      {"socket",             "30", {},             "127.0.0.1", {},     {},       {}          },
+      {"time",               "30", {},             {},          {},     {},       "2000000"   },
+      {"time",               "30", {},             {},          {},     {},       "600000"    },
+      {"time",               "31", {},             {},          {},     {},       "7000000"   },
+      {"word of the client", "8",  "_client_name", {},          "libx", {},       {}          },
+      {"word of the client", "8",  "program_name", {},          "prog", {},       {}          },
+      {"word of the client", "9",  "_client_name", {},          "libx", {},       {}          }
   });
 
   const std::vector<SqlConnection> connections = readSqlConnections(rows);
@@ -179,12 +189,12 @@ TEST(SqlConnectionsTest, PartsMeetByThreadAndConnection) {
 
 TEST(SqlConnectionsTest, TimesThatAreNotMeasuredGiveNoTotal) {
   Table rows({
-      {"P", "8",  "a", "near:1", {}, "Sleep", "9000"},
-      {"P", "9",  "b", "near:2", {}, "Sleep", "9000"},
-      {"T", "30", {},  {},       {}, {},      "8"   },
-      {"T", "31", {},  {},       {}, {},      "9"   },
-      {"D", "30", {},  {},       {}, {},      {}    },
-      {"D", "31", {},  {},       {}, {},      "0"   }
+      {"connection", "8",  "a", "near:1", {}, "Sleep", "9000"},
+      {"connection", "9",  "b", "near:2", {}, "Sleep", "9000"},
+      {"thread",     "30", {},  {},       {}, {},      "8"   },
+      {"thread",     "31", {},  {},       {}, {},      "9"   },
+      {"time",       "30", {},  {},       {}, {},      {}    },
+      {"time",       "31", {},  {},       {}, {},      "0"   }
   });
 
   const std::vector<SqlConnection> connections = readSqlConnections(rows);
