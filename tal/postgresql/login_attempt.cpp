@@ -1,5 +1,6 @@
 #include "tal/postgresql/login_attempt.h"
 
+#include <libintl.h>
 #include <poll.h>
 #include <string.h>
 #include <sys/socket.h>
@@ -89,7 +90,14 @@ void forgetPassword(PGconn* connection) {
   if (password != nullptr) ::explicit_bzero(password, ::strlen(password));
 }
 
+// The program sets no character set of the locale, so the library would write ASCII.
+void useUtf8ForTexts() {
+  const std::string domain = "libpq5-" + std::to_string(PQlibVersion() / 10000);
+  ::bind_textdomain_codeset(domain.c_str(), "UTF-8");
+}
+
 ConnectionHandle startConnecting(const Target& target) {
+  useUtf8ForTexts();
   ConnectionHandle connection = startConnection(target);
   PQsetErrorVerbosity(connection.get(), PQERRORS_SQLSTATE);
   PQsetNoticeProcessor(connection.get(), &dropNotice, nullptr);

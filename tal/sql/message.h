@@ -6,8 +6,8 @@
 
 namespace tal::sql {
 
-// The text of "ORV_MSG_P_N_" and `name` in the message bundle TALMSG, in the language of the
-// process's locale; `name` itself if no bundle has it. The bundles are in
+// The text of "ORV_MSG_P_N_" and `name` in the message bundle TALMSG, in the language that LANGUAGE
+// and the locale of the process request; `name` itself if no bundle has it. The bundles are in
 // ../../share/zelk/messages, relative to the folder of this library.
 std::string message(std::string_view name);
 
