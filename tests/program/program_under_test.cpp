@@ -88,8 +88,8 @@ void ProgramTree::replaceEngine(const std::filesystem::path& library) const {
   std::filesystem::copy_file(library, place);
 }
 
-std::string configuration(const std::vector<std::pair<std::string, std::string>>& changes) {
-  std::vector<std::pair<std::string, std::string>> settings = {
+std::string configuration(const Settings& changes) {
+  Settings settings = {
       {"SERV", "engine" },
       {"USER", ""       },
       {"PASS", ""       },
@@ -116,9 +116,9 @@ std::string configuration(const std::vector<std::pair<std::string, std::string>>
   return text;
 }
 
-Workplace::Workplace() : tree_(folder_ / "tree") {
+Workplace::Workplace(const Settings& changes) : tree_(folder_ / "tree") {
   tree_.replaceEngine(fakeEngine());
-  configure({});
+  configure(changes);
 }
 
 testing_support::Command Workplace::command(std::vector<std::string> arguments) const {
@@ -138,7 +138,7 @@ testing_support::Command Workplace::unprivilegedCommand(std::vector<std::string>
   return unprivileged;
 }
 
-void Workplace::configure(const std::vector<std::pair<std::string, std::string>>& changes) const {
+void Workplace::configure(const Settings& changes) const {
   using std::filesystem::perms;
   const bool hasPassword = std::any_of(changes.begin(), changes.end(),
                                        [](const auto& change) { return change.first == "PASS"; });

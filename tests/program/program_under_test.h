@@ -64,14 +64,22 @@ class ProgramTree {
   std::filesystem::path folder_;
 };
 
+// Command lines: one report, the same in JSON, a report at each key.
+inline const std::vector<std::string> kOnce = {"-f", "zelk.cfg", "-runonce"};
+inline const std::vector<std::string> kOnceJson = {"-f", "zelk.cfg", "-runonce", "-JSON"};
+inline const std::vector<std::string> kLoop = {"-f", "zelk.cfg"};
+
+// Keys of the configuration file and their values.
+using Settings = std::vector<std::pair<std::string, std::string>>;
+
 // A complete configuration: console output, no sections, no refreshing, engine "engine". The
 // changes replace the values of keys.
-std::string configuration(const std::vector<std::pair<std::string, std::string>>& changes = {});
+std::string configuration(const Settings& changes = {});
 
 // A folder with a configuration file and a program tree over the fake engine.
 class Workplace {
  public:
-  Workplace();
+  explicit Workplace(const Settings& changes = {});
 
   // The program in this folder, standard input at its end.
   [[nodiscard]] testing_support::Command command(std::vector<std::string> arguments) const;
@@ -80,7 +88,7 @@ class Workplace {
   [[nodiscard]] testing_support::Command unprivilegedCommand(
       std::vector<std::string> arguments) const;
 
-  void configure(const std::vector<std::pair<std::string, std::string>>& changes) const;
+  void configure(const Settings& changes) const;
 
   // Sets what the engine is, as a scenario.
   void simulate(const std::string& scenario) const;

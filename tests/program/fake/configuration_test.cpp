@@ -22,8 +22,6 @@ using testing_support::run;
 using testing_support::sameText;
 using testing_support::writeFile;
 
-const std::vector<std::string> kOnce = {"-f", "zelk.cfg", "-runonce"};
-const std::vector<std::string> kOnceJson = {"-f", "zelk.cfg", "-runonce", "-JSON"};
 const std::vector<std::string> kKeys = {"SERV", "USER", "PASS", "REFR", "LIMI", "OUTP", "NAME",
                                         "FILE", "SESS", "CONN", "RESO", "COMM", "HAND"};
 

@@ -49,7 +49,7 @@ class Keys : public ::testing::Test {
   }
 
   [[nodiscard]] Command command(Input input) const {
-    Command command = place_.command({"-f", "zelk.cfg"});
+    Command command = place_.command(kLoop);
     command.input = std::move(input);
     return command;
   }
@@ -79,7 +79,7 @@ TEST_F(Keys, RefreshAndStopTheManualLoopOverAPipe) {
 
 TEST_F(Keys, RefreshAndStopTheManualLoopOnATerminal) {
   configureManual();
-  Terminal terminal(place_.command({"-f", "zelk.cfg"}));
+  Terminal terminal(place_.command(kLoop));
   terminal.waitFor(kManualPrompt + "\n");
 
   terminal.type("r\n");
@@ -96,7 +96,7 @@ TEST_F(Keys, RefreshAndStopTheManualLoopOnATerminal) {
 
 TEST_F(Keys, StopTheTimedLoopOnATerminal) {
   configureTimed();
-  Terminal terminal(place_.command({"-f", "zelk.cfg"}));
+  Terminal terminal(place_.command(kLoop));
   terminal.waitFor(kTimedPrompt);
 
   terminal.type("q\n");

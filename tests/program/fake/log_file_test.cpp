@@ -19,7 +19,6 @@ namespace {
 using testing_support::Command;
 using testing_support::Ending;
 using testing_support::Input;
-using testing_support::maskTimes;
 using testing_support::Process;
 using testing_support::readFile;
 using testing_support::Result;
@@ -27,8 +26,6 @@ using testing_support::run;
 using testing_support::sameText;
 using testing_support::TemporaryFolder;
 using testing_support::writeFile;
-
-const std::vector<std::string> kOnce = {"-f", "zelk.cfg", "-runonce"};
 
 std::string reportTo(const std::string& file) {
   return runHeader({.output = "FILE", .file = file});
@@ -40,8 +37,7 @@ TEST(LogFile, IsMadeWithItsFolders) {
                                elsewhere / "made/run.log"};
   for (const std::string& name : names) {
     SCOPED_TRACE(name);
-    const Workplace place;
-    place.configure({
+    const Workplace place(Settings{
         {"OUTP", "FILE"},
         {"NAME", name  }
     });
@@ -55,8 +51,7 @@ TEST(LogFile, IsMadeWithItsFolders) {
 }
 
 TEST(LogFile, ReplacesAnOlderOne) {
-  const Workplace place;
-  place.configure({
+  const Workplace place(Settings{
       {"OUTP", "FILE"}
   });
   writeFile(place / "monitor.log", std::string(100000, 'x'));
@@ -66,43 +61,33 @@ TEST(LogFile, ReplacesAnOlderOne) {
   EXPECT_PRED_FORMAT2(sameText, reportTo("monitor.log"), place.maskedFile("monitor.log"));
 }
 
-TEST(LogFile, IsReportedWithTheCurrentFolderIfItsNameIsBare) {
-  const Workplace place;
-  place.configure({
-      {"OUTP", "FILE"    },
-      {"NAME", "bare.log"}
-  });
-  std::filesystem::create_symlink("/nowhere/at/all", place / "bare.log");
-
-  const Result result = run(place.command(kOnce));
-
-  EXPECT_EQ(result.error, "Cannot create the log file \"" + (place / "bare.log").string() +
-                              "\": no such file or directory (0x80070002). Check the key NAME in "
-                              "the configuration file.\n");
+void expectRefusal(const Result& result, const std::string& file, const std::string& reason) {
+  EXPECT_EQ(result.error, "Cannot create the log file \"" + file + "\": " + reason +
+                              ". Check the key NAME in the configuration file.\n");
   EXPECT_EQ(result.ending, Ending::exit(1));
 }
 
-TEST(LogFile, IsReportedAsNamedIfItsNameHasAFolder) {
-  const Workplace place;
-  place.configure({
-      {"OUTP", "FILE"      },
-      {"NAME", "./bare.log"}
-  });
-  std::filesystem::create_symlink("/nowhere/at/all", place / "bare.log");
+const std::string kDenied = "permission denied (0x80070005)";
 
-  const Result result = run(place.command(kOnce));
+TEST(LogFile, IsReportedWithTheCurrentFolderIfItsNameIsBare) {
+  for (const std::string folder : {"", "./"}) {
+    const Workplace place(Settings{
+        {"OUTP", "FILE"             },
+        {"NAME", folder + "bare.log"}
+    });
+    std::filesystem::create_symlink("/nowhere/at/all", place / "bare.log");
 
-  EXPECT_EQ(result.error,
-            "Cannot create the log file \"./bare.log\": no such file or directory (0x80070002). "
-            "Check the key NAME in the configuration file.\n");
-  EXPECT_EQ(result.ending, Ending::exit(1));
+    const Result result = run(place.command(kOnce));
+
+    expectRefusal(result, folder.empty() ? (place / "bare.log").string() : "./bare.log",
+                  "no such file or directory (0x80070002)");
+  }
 }
 
 TEST(LogFile, IsRefusedWhereNothingMayBeWritten) {
   for (const std::string name : {"closed/run.log", "closed/logs/run.log"}) {
     SCOPED_TRACE(name);
-    const Workplace place;
-    place.configure({
+    const Workplace place(Settings{
         {"OUTP", "FILE"},
         {"NAME", name  }
     });
@@ -111,16 +96,12 @@ TEST(LogFile, IsRefusedWhereNothingMayBeWritten) {
 
     const Result result = run(place.unprivilegedCommand(kOnce));
 
-    EXPECT_EQ(result.error, "Cannot create the log file \"" + name +
-                                "\": permission denied (0x80070005). Check the key NAME in the "
-                                "configuration file.\n");
-    EXPECT_EQ(result.ending, Ending::exit(1));
+    expectRefusal(result, name, kDenied);
   }
 }
 
 TEST(LogFile, IsMadeForItsOwnerAndGroup) {
-  const Workplace place;
-  place.configure({
+  const Workplace place(Settings{
       {"OUTP", "FILE"}
   });
 
@@ -155,10 +136,7 @@ TEST(LogFile, IsRefusedWhereItMayBePlanted) {
         {"NAME", name  }
     });
     const Result result = run(place.command(kOnce));
-    EXPECT_EQ(result.error, "Cannot create the log file \"" + name +
-                                "\": permission denied (0x80070005). Check the key NAME in the "
-                                "configuration file.\n");
-    EXPECT_EQ(result.ending, Ending::exit(1));
+    expectRefusal(result, name, kDenied);
   }
   EXPECT_EQ(readFile(place / "private/victim") + readFile(shared / "file"), "keptkept");
   EXPECT_FALSE(std::filesystem::exists(place / "private/new"));
@@ -202,45 +180,29 @@ TEST(LogFile, MayBeAnOwnLinkInASharedFolder) {
   EXPECT_PRED_FORMAT2(sameText, reportTo("shared/link"), place.maskedFile("run.log"));
 }
 
-// A rotation that copies the log and truncates it must not leave a hole of zero bytes.
-TEST(LogFile, GoesOnFromTheStartAfterARotation) {
-  const Workplace place;
-  place.configure({
+TEST(LogFile, HasEachLineAtOnceAndGoesOnFromTheStartAfterARotation) {
+  const Workplace place(Settings{
       {"OUTP", "FILE"},
       {"RESO", "YES" }
   });
-  Command command = place.command({"-f", "zelk.cfg"});
+  Command command = place.command(kLoop);
   command.input = Input::pipe();
   Process process(command);
   process.waitForOutput("Type r to refresh, q to stop.");
+  const std::string first = place.maskedFile("monitor.log");
 
+  // As a rotation does that copies the log. It must not leave a hole of zero bytes.
   std::filesystem::resize_file(place / "monitor.log", 0);
   process.write("rq");
 
   EXPECT_EQ(process.wait(), Ending::exit(0));
+  EXPECT_PRED_FORMAT2(sameText, runHeader({.output = "FILE", .resources = true}) + kIdleResources,
+                      first);
   EXPECT_PRED_FORMAT2(sameText, kIdleResources, readFile(place / "monitor.log"));
 }
 
-TEST(LogFile, HasEachLineAtOnce) {
-  const Workplace place;
-  place.configure({
-      {"OUTP", "FILE"},
-      {"RESO", "YES" }
-  });
-  Command command = place.command({"-f", "zelk.cfg"});
-  command.input = Input::pipe();
-  Process process(command);
-  process.waitForOutput("Type r to refresh, q to stop.");
-
-  const std::string log = place.maskedFile("monitor.log");
-
-  EXPECT_PRED_FORMAT2(sameText, runHeader({.output = "FILE", .resources = true}) + kIdleResources,
-                      log);
-}
-
 TEST(LogFile, HasTheSameLinesAsTheConsole) {
-  const Workplace place;
-  place.configure({
+  const Workplace place(Settings{
       {"OUTP", "BOTH"},
       {"RESO", "YES" },
       {"FILE", "YES" },

@@ -62,7 +62,7 @@ class Signals : public ::testing::TestWithParam<int> {
   }
 
   [[nodiscard]] Command command() const {
-    Command command = place_.command({"-f", "zelk.cfg"});
+    Command command = place_.command(kLoop);
     command.input = Input::pipe();
     return command;
   }
@@ -222,11 +222,11 @@ TEST_P(Signals, EndTheProcessAtOnceBeforeTheEngineIsConnected) {
       {"OUTP", "FILE"},
       {"NAME", fifo  }
   });
-  expectKilled({"-f", "zelk.cfg"});
+  expectKilled(kLoop);
 
   configure("0", "0");
   place_.disturb("pause TalConnectServer 1 " + fifo + "\n");
-  expectKilled({"-f", "zelk.cfg"});
+  expectKilled(kLoop);
 }
 
 std::string signalName(const ::testing::TestParamInfo<int>& info) {
@@ -238,12 +238,11 @@ INSTANTIATE_TEST_SUITE_P(Stop, Signals, ::testing::Values(SIGINT, SIGTERM, SIGHU
 TEST(InterruptKey, StopsOnATerminal) {
   if (kUnderThreadSanitizer) GTEST_SKIP() << "the sanitizer may hold a signal back for good";
   for (const char* const rate : {"0", "3600"}) {
-    const Workplace place;
-    place.configure({
+    const Workplace place(Settings{
         {"OUTP", "BOTH"},
         {"REFR", rate  }
     });
-    Terminal terminal(place.command({"-f", "zelk.cfg"}));
+    Terminal terminal(place.command(kLoop));
     terminal.waitFor(" to stop.");
 
     terminal.type("\x03");

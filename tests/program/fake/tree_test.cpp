@@ -24,7 +24,6 @@ using testing_support::sameText;
 using testing_support::TemporaryFolder;
 using testing_support::writeFile;
 
-const std::vector<std::string> kOnce = {"-f", "zelk.cfg", "-runonce"};
 const std::string kUnknownScheme = "7102: The server name does not say which engine to watch.";
 
 class Tree : public ::testing::Test {

@@ -33,37 +33,28 @@ std::string incomplete(const std::string& file, const std::string& reason) {
 
 std::string asJson(const std::string& text) { return "\t\"error\": \"" + text + "\"\n"; }
 
-const std::vector<std::string> kOnce = {"-f", "zelk.cfg", "-runonce"};
-const std::vector<std::string> kOnceJson = {"-f", "zelk.cfg", "-runonce", "-JSON"};
-const std::vector<std::string> kLoop = {"-f", "zelk.cfg"};
+void expectFailure(const Result& result, const std::string& error) {
+  EXPECT_PRED_FORMAT2(sameText, error, result.error);
+  EXPECT_EQ(result.ending, Ending::exit(1));
+}
+
 const std::string kFull = "No space left on device";
 
-TEST(WriteFailure, OfStandardOutputIsToldInText) {
+TEST(WriteFailure, OfStandardOutputIsReported) {
   const Workplace place;
-  for (const auto& arguments : {kOnce, kLoop, std::vector<std::string>{}}) {
+  for (const auto& arguments : {kOnce, kLoop, std::vector<std::string>{}, kOnceJson}) {
     Command command = place.command(arguments);
     command.output = "/dev/full";
 
     const Result result = run(command);
 
-    EXPECT_PRED_FORMAT2(sameText, incomplete("standard output", kFull) + "\n", result.error);
-    EXPECT_EQ(result.ending, Ending::exit(1));
+    const std::string error = incomplete("standard output", kFull);
+    expectFailure(result, arguments == kOnceJson ? asJson(error) : error + "\n");
   }
 }
 
-TEST(WriteFailure, OfStandardOutputIsToldInJson) {
-  const Workplace place;
-  Command command = place.command(kOnceJson);
-  command.output = "/dev/full";
-
-  const Result result = run(command);
-
-  EXPECT_PRED_FORMAT2(sameText, asJson(incomplete("standard output", kFull)), result.error);
-  EXPECT_EQ(result.ending, Ending::exit(1));
-}
-
 // The reason is the system's own text, in UTF-8 as all that the program says.
-TEST(WriteFailure, OfStandardOutputIsToldInTheUsersLanguage) {
+TEST(WriteFailure, OfStandardOutputIsReportedInTheUsersLanguage) {
   if (!std::filesystem::exists("/usr/share/locale/de/LC_MESSAGES/libc.mo")) {
     GTEST_SKIP() << "the system has no German texts: install libc-l10n";
   }
@@ -83,7 +74,7 @@ TEST(WriteFailure, OfStandardOutputIsToldInTheUsersLanguage) {
   EXPECT_EQ(result.ending, Ending::exit(1));
 }
 
-TEST(WriteFailure, OfTheUsageInJsonIsTold) {
+TEST(WriteFailure, OfTheUsageInJsonIsReported) {
   const Workplace place;
   Command command = place.command({"-JSON"});
   command.output = "/dev/full";
@@ -95,7 +86,7 @@ TEST(WriteFailure, OfTheUsageInJsonIsTold) {
   EXPECT_EQ(result.ending, Ending::exit(1));
 }
 
-TEST(WriteFailure, OfTheLogIsToldInText) {
+TEST(WriteFailure, OfTheLogIsReportedInText) {
   const Workplace place;
   for (const char* const output : {"FILE", "BOTH"}) {
     place.configure({
@@ -105,28 +96,24 @@ TEST(WriteFailure, OfTheLogIsToldInText) {
 
     const Result result = run(place.command(kOnce));
 
-    EXPECT_PRED_FORMAT2(sameText, incomplete("/dev/full", kFull) + "\n", result.error);
-    EXPECT_EQ(result.ending, Ending::exit(1));
+    expectFailure(result, incomplete("/dev/full", kFull) + "\n");
   }
 }
 
-TEST(WriteFailure, OfTheLogIsToldInJson) {
-  const Workplace place;
-  place.configure({
+TEST(WriteFailure, OfTheLogIsReportedInJson) {
+  const Workplace place(Settings{
       {"OUTP", "FILE"     },
       {"NAME", "/dev/full"}
   });
 
   const Result result = run(place.command(kOnceJson));
 
-  EXPECT_PRED_FORMAT2(sameText, asJson(incomplete("/dev/full", kFull)), result.error);
+  expectFailure(result, asJson(incomplete("/dev/full", kFull)));
   EXPECT_EQ(result.output, "}\n");
-  EXPECT_EQ(result.ending, Ending::exit(1));
 }
 
-TEST(WriteFailure, EndsARunThatWentOnForAWhile) {
-  const Workplace place;
-  place.configure({
+TEST(WriteFailure, EndsARunThatWentOnForAWhileAndLeavesTheEngineInOrder) {
+  const Workplace place(Settings{
       {"OUTP", "FILE"     },
       {"NAME", "small.log"},
       {"RESO", "YES"      }
@@ -137,24 +124,8 @@ TEST(WriteFailure, EndsARunThatWentOnForAWhile) {
 
   const Result result = run(command);
 
-  EXPECT_PRED_FORMAT2(sameText, incomplete("small.log", "File too large") + "\n", result.error);
-  EXPECT_EQ(result.ending, Ending::exit(1));
+  expectFailure(result, incomplete("small.log", "File too large") + "\n");
   EXPECT_EQ(std::filesystem::file_size(place / "small.log"), 8000U);
-}
-
-TEST(WriteFailure, LeavesTheEngineInOrder) {
-  const Workplace place;
-  place.configure({
-      {"OUTP", "FILE"     },
-      {"NAME", "small.log"},
-      {"RESO", "YES"      }
-  });
-  Command command = place.command(kLoop);
-  command.fileSizeLimit = 8000;
-  command.input = Input::text(std::string(60, 'r'));
-
-  run(command);
-
   const std::string trace = place.trace();
   EXPECT_TRUE(trace.ends_with("TalGetZorbUsageEx2(42)\nTalDisconnect(42)\nTalStop(null)\n"))
       << trace;
@@ -181,8 +152,7 @@ Command onSmallDisk(const Workplace& place, const std::vector<std::string>& argu
 std::string wholeLines(const std::string& text) { return text.substr(0, text.rfind('\n') + 1); }
 
 TEST(WriteFailure, OnAFullFileSystemLeavesABeginningOfTheLog) {
-  const Workplace place;
-  place.configure({
+  const Workplace place(Settings{
       {"OUTP", "FILE"         },
       {"NAME", "disk/zelk.log"},
       {"RESO", "YES"          }
@@ -205,9 +175,8 @@ TEST(WriteFailure, OnAFullFileSystemLeavesABeginningOfTheLog) {
       maskTimes(readFile(place / "disk/zelk.log")).starts_with(maskTimes(wholeLines(kept))));
 }
 
-TEST(WriteFailure, OfAStandardOutputFileOverItsLimitIsTold) {
-  const Workplace place;
-  place.configure({
+TEST(WriteFailure, OfAStandardOutputFileOverItsLimitIsReported) {
+  const Workplace place(Settings{
       {"RESO", "YES"}
   });
   Command command = place.command(kOnce);
@@ -216,16 +185,13 @@ TEST(WriteFailure, OfAStandardOutputFileOverItsLimitIsTold) {
 
   const Result result = run(command);
 
-  EXPECT_PRED_FORMAT2(sameText, incomplete("standard output", "File too large") + "\n",
-                      result.error);
-  EXPECT_EQ(result.ending, Ending::exit(1));
+  expectFailure(result, incomplete("standard output", "File too large") + "\n");
 }
 
 // The next file that is opened gets the free number 1: the log must not receive the console's
 // lines.
-TEST(WriteFailure, OfAClosedStandardOutputIsTold) {
-  const Workplace place;
-  place.configure({
+TEST(WriteFailure, OfAClosedStandardOutputIsReported) {
+  const Workplace place(Settings{
       {"OUTP", "BOTH"}
   });
   Command command = place.command({"-c", "exec \"$0\" \"$@\" >&-"});
@@ -235,12 +201,10 @@ TEST(WriteFailure, OfAClosedStandardOutputIsTold) {
 
   const Result result = run(command);
 
-  EXPECT_PRED_FORMAT2(sameText, incomplete("standard output", "Bad file descriptor") + "\n",
-                      result.error);
-  EXPECT_EQ(result.ending, Ending::exit(1));
+  expectFailure(result, incomplete("standard output", "Bad file descriptor") + "\n");
 }
 
-// There is nowhere left to tell it, but the exit code.
+// Only the exit code is left to report it.
 TEST(WriteFailure, OfStandardErrorKeepsTheExitCode) {
   const Workplace place;
   for (const auto& arguments : {kOnce, kOnceJson}) {
@@ -255,8 +219,7 @@ TEST(WriteFailure, OfStandardErrorKeepsTheExitCode) {
 }
 
 TEST(ClosedReader, EndsTheProgramQuietly) {
-  const Workplace place;
-  place.configure({
+  const Workplace place(Settings{
       {"RESO", "YES"}
   });
   Command command = place.command(kLoop);
