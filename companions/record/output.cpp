@@ -125,6 +125,7 @@ bool Output::writeToFile(const tal::recording::Moment& moment) {
     open(moment.heading.time);
     if (!hasRoom(file_->name())) return pause("the disk has less room than --leave-free wants");
     writeThrough(moment, [this](std::string_view bytes) { file_->append(bytes); });
+    if (sync_) file_->sync();
     file_->finishMoment();
   } catch (const DiskFull& failure) {
     if (compressor_) compressor_->forget();
@@ -134,7 +135,6 @@ bool Output::writeToFile(const tal::recording::Moment& moment) {
     if (file_) file_->abandonMoment();
     throw;
   }
-  if (sync_) file_->sync();
   if (std::exchange(isPaused_, false)) say("recording again");
   return true;
 }

@@ -43,6 +43,7 @@ Recorder::Recorder(const Options& options, Settings settings)
       interval_(intervalOf(options_, settings_)),
       run_(newRun()),
       output_(options_, settings_.login.server, options_.sync && interval_ >= kSecond),
+      isReplay_(settings_.login.server.starts_with("replay:")),
       showsProgress_(isatty(STDERR_FILENO) == 1) {}
 
 void Recorder::run() {
@@ -92,7 +93,7 @@ void Recorder::collect(Moment& moment) {
   } catch (const CallFailure& failure) {
     hasEnded_ = failure.status() == kRecordingEnds;
     moment.error = {failure.call(), failure.status(), failure.text()};
-    lose();
+    if (!isReplay_) lose();
   }
 }
 

@@ -38,6 +38,7 @@ class Recorder {
   const EngineLibrary library_;
   std::optional<EngineConnection> engine_;
   Output output_;
+  const bool isReplay_;            // a new connection would begin it again
   std::uint64_t startedAt_ = 0;    // steady time
   std::uint64_t sequence_ = 1;     // number of the next moment
   std::uint64_t missed_ = 0;       // moments left out before the next one
