@@ -3,11 +3,11 @@
 #   add_engine_module(<engine> <source>)
 #
 # makes tal-<engine>.so in the folder of libtal.so from the static library tal_<engine> and <source>,
-# which has the module's entry (tal/module_entry.h).
+# which has the module's entry (tal/module.h).
 
 # The tag is the same only if library and module are built with the same headers and compiler.
 set(hashes "")
-foreach(header credentials.h engine.h failure.h module.h module_entry.h status.h)
+foreach(header credentials.h engine.h module.h status.h)
   set(header ${PROJECT_SOURCE_DIR}/tal/${header})
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${header})
   file(SHA256 ${header} hash)

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "tal/failure.h"
 #include "tal/status.h"
 
 namespace tal {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 
 namespace tal {
 
@@ -48,6 +49,18 @@ enum class Status : std::int16_t {
   kUnsafeLogin = 7131,          // the server asks for the password in a way that gives it away
   kSettingsRefused = 7132,      // the session is not read-only or has no time limit, as it must
   kRecordingUnreadable = 7133,  // the file of a replay cannot be read
+};
+
+// The one exception of this library. Thrown by engines; becomes its status at the interface and
+// never crosses it.
+class Failure : public std::exception {
+ public:
+  explicit Failure(Status status) noexcept : status_(status) {}
+
+  [[nodiscard]] Status status() const noexcept { return status_; }
+
+ private:
+  Status status_;
 };
 
 }  // namespace tal

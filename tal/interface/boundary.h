@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "engine/tal.h"
-#include "tal/failure.h"
 #include "tal/status.h"
 
 namespace tal::interface {

@@ -3,8 +3,8 @@
 #include <cstring>
 #include <utility>
 
-#include "tal/failure.h"
 #include "tal/mariadb/statements.h"
+#include "tal/status.h"
 
 namespace tal::mariadb {
 namespace {

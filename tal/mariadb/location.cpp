@@ -2,9 +2,9 @@
 
 #include <sys/un.h>
 
-#include "tal/failure.h"
 #include "tal/sql/explained_failure.h"
 #include "tal/sql/message.h"
+#include "tal/status.h"
 
 namespace tal::mariadb {
 namespace {

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "tal/failure.h"
 #include "tal/mariadb/login_attempt.h"
 #include "tal/sql/first_reachable.h"
 #include "tal/sql/resolve.h"
+#include "tal/status.h"
 
 namespace tal::mariadb {
 namespace {

@@ -12,12 +12,12 @@
 #include <string_view>
 #include <system_error>
 
-#include "tal/failure.h"
 #include "tal/mariadb/errors.h"
 #include "tal/mariadb/greeting.h"
 #include "tal/sql/explained_failure.h"
 #include "tal/sql/message.h"
 #include "tal/sql/wait.h"
+#include "tal/status.h"
 
 namespace tal::mariadb {
 namespace {

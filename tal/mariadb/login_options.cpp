@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "tal/failure.h"
+#include "tal/status.h"
 
 namespace tal::mariadb {
 namespace {

@@ -9,10 +9,10 @@
 #include <string_view>
 
 #include "tal/engine.h"
-#include "tal/failure.h"
 #include "tal/sql/numbers.h"
 #include "tal/sql/peak.h"
 #include "tal/sql/row.h"
+#include "tal/status.h"
 
 namespace tal::mariadb {
 

@@ -6,10 +6,10 @@
 #include <string>
 #include <utility>
 
-#include "tal/failure.h"
 #include "tal/mariadb/errors.h"
 #include "tal/sql/explained_failure.h"
 #include "tal/sql/limits.h"
+#include "tal/status.h"
 #include "tal/text.h"
 
 namespace tal::mariadb {

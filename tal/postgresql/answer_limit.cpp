@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "tal/failure.h"
 #include "tal/sql/limits.h"
+#include "tal/status.h"
 
 namespace tal::postgresql {
 namespace {

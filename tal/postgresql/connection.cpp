@@ -2,11 +2,11 @@
 
 #include <poll.h>
 
-#include "tal/failure.h"
 #include "tal/postgresql/answer_limit.h"
 #include "tal/postgresql/errors.h"
 #include "tal/sql/limits.h"
 #include "tal/sql/wait.h"
+#include "tal/status.h"
 
 namespace tal::postgresql {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "tal/failure.h"
 #include "tal/sql/address.h"
+#include "tal/status.h"
 #include "tal/text.h"
 
 namespace tal::postgresql {

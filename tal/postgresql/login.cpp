@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "tal/failure.h"
 #include "tal/postgresql/login_attempt.h"
 #include "tal/postgresql/login_options.h"
 #include "tal/postgresql/login_rules.h"
 #include "tal/sql/first_reachable.h"
 #include "tal/sql/resolve.h"
 #include "tal/sql/system_user.h"
+#include "tal/status.h"
 
 namespace tal::postgresql {
 namespace {

@@ -12,12 +12,12 @@
 #include <string_view>
 #include <utility>
 
-#include "tal/failure.h"
 #include "tal/postgresql/answer_limit.h"
 #include "tal/postgresql/errors.h"
 #include "tal/postgresql/login_gate.h"
 #include "tal/sql/explained_failure.h"
 #include "tal/sql/wait.h"
+#include "tal/status.h"
 #include "tal/text.h"
 
 namespace tal::postgresql {

@@ -12,8 +12,8 @@
 #include <cstring>
 #include <string_view>
 
-#include "tal/failure.h"
 #include "tal/sql/wait.h"
+#include "tal/status.h"
 
 namespace tal::postgresql {
 namespace {

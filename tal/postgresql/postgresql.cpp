@@ -1,6 +1,5 @@
 #include "tal/postgresql/postgresql.h"
 
-#include "tal/failure.h"
 #include "tal/postgresql/connection.h"
 #include "tal/postgresql/location.h"
 #include "tal/postgresql/login.h"
@@ -14,6 +13,7 @@
 #include "tal/sql/bounded_engine.h"
 #include "tal/sql/deadline.h"
 #include "tal/sql/explained_failure.h"
+#include "tal/status.h"
 
 namespace tal::postgresql {
 namespace {

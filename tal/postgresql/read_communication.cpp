@@ -1,7 +1,7 @@
 #include "tal/postgresql/read_communication.h"
 
-#include "tal/failure.h"
 #include "tal/sql/numbers.h"
+#include "tal/status.h"
 
 namespace tal::postgresql {
 namespace {

@@ -1,4 +1,4 @@
-#include "tal/module_entry.h"
+#include "tal/module.h"
 
 #include "tal/replay/replay.h"
 

@@ -4,11 +4,18 @@
 
 #include <algorithm>
 
-#include "tal/sim/errors.h"
 #include "tal/text.h"
 
 namespace tal::sim {
 namespace {
+
+// Keys and texts of a hostile file can be as long as the file.
+constexpr std::size_t kProblemLimit = 1000;
+
+std::string oneLine(std::string text) {
+  fitText(text, kProblemLimit);
+  return text;
+}
 
 // Deeper than any scenario needs.
 constexpr int kMaximumDepth = 8;
@@ -121,6 +128,15 @@ Node converted(const toml::node& from) {
 }
 
 }  // namespace
+
+ScenarioError::ScenarioError(int line, std::string_view problem)
+    : std::runtime_error(oneLine(std::string(problem))), line_(line) {}
+
+ScenarioError ScenarioError::in(std::string_view name) const {
+  std::string place(name);
+  if (line_ > 0) place.append(":").append(std::to_string(line_));
+  return {line_, place.append(": ").append(what())};
+}
 
 Node parseDocument(std::string_view text) {
   refuseBadBytes(text);

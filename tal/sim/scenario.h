@@ -164,4 +164,14 @@ struct Scenario {
   std::vector<Fault> faults;
 };
 
+// The answers of one refresh, which counts from 1, made in time linear in their size.
+Information informationAt(const InformationValues& values, std::uint64_t refresh);
+Version versionAt(const VersionValues& values, std::uint64_t refresh);
+Usage usageAt(const UsageValues& values, std::uint64_t refresh);
+Communication communicationAt(const CommunicationValues& values, std::uint64_t refresh);
+std::vector<OpenFile> filesAt(const std::vector<FileEntry>& entries, std::uint64_t refresh);
+std::vector<Client> clientsAt(const std::vector<ClientEntry>& entries, std::uint64_t refresh);
+std::vector<SqlConnection> sqlConnectionsAt(const std::vector<SqlConnectionEntry>& entries,
+                                            std::uint64_t refresh);
+
 }  // namespace tal::sim

@@ -4,25 +4,9 @@
 #include <string>
 #include <utility>
 
-#include "tal/sim/demo.h"
-#include "tal/sim/generate.h"
-#include "tal/sim/load.h"
-#include "tal/sim/parse.h"
+#include "tal/sim/read_scenario.h"
 
 namespace tal::sim {
-namespace {
-
-Scenario scenarioIn(const std::string& path) {
-  std::string text;
-  try {
-    text = readFile(path);
-  } catch (const ScenarioError& error) {
-    throw error.in(path);
-  }
-  return parseScenario(text, path);
-}
-
-}  // namespace
 
 SimulatedEngine::SimulatedEngine(Scenario scenario)
     : scenario_(std::move(scenario)), calls_(scenario_.faults) {}

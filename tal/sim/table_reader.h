@@ -1,4 +1,5 @@
-// One table of a scenario, key by key.
+// One table of a scenario, key by key. Every function throws ScenarioError for a value that does
+// not fit; the message names the value and what is expected.
 #pragma once
 
 #include <concepts>
@@ -13,13 +14,34 @@
 #include "tal/recording/fields.h"
 #include "tal/sim/document.h"
 #include "tal/sim/scenario.h"
-#include "tal/sim/value_reader.h"
 #include "tal/sim/values.h"
 
 namespace tal::sim {
 
+// The forms in which a value may be given.
+enum class Forms {
+  kOne,        // a single value
+  kByRefresh,  // or a list with one for each refresh
+  kStepped,    // or a table with a start, and a step for refreshes and items
+};
+
+struct NumberFormat {
+  std::int64_t lowest;
+  std::int64_t highest;
+  recording::Words words = {};
+  Forms forms = Forms::kOne;
+};
+
+struct NumberValue {
+  std::vector<std::int64_t> byRefresh;  // at least one
+  std::int64_t step = 0;
+  std::int64_t each = 0;
+};
+
+NumberValue numberOf(const Member& member, const NumberFormat& format);
+
 // Reads the keys of a table into the values of a scenario. An absent key leaves its value
-// unchanged. Every function throws ScenarioError for a value that does not fit.
+// unchanged.
 class TableReader {
  public:
   // The table must outlive the reader. `where` is its name in messages, such as "[usage]".

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "tal/failure.h"
+#include "tal/status.h"
 
 namespace tal::sql {
 namespace {

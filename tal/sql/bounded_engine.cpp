@@ -4,10 +4,10 @@
 #include <type_traits>
 #include <utility>
 
-#include "tal/failure.h"
 #include "tal/sql/explained_failure.h"
 #include "tal/sql/message.h"
 #include "tal/sql/worker.h"
+#include "tal/status.h"
 
 namespace tal::sql {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "tal/failure.h"
+#include "tal/status.h"
 
 namespace tal::sql {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "tal/failure.h"
 #include "tal/sql/deadline.h"
+#include "tal/status.h"
 
 namespace tal::sql {
 

@@ -10,9 +10,9 @@
 #include <memory>
 #include <thread>
 
-#include "tal/failure.h"
 #include "tal/sql/explained_failure.h"
 #include "tal/sql/signals_blocked.h"
+#include "tal/status.h"
 
 namespace tal::sql {
 namespace {

@@ -3,8 +3,8 @@
 #include <charconv>
 #include <limits>
 
-#include "tal/failure.h"
 #include "tal/sql/numbers.h"
+#include "tal/status.h"
 
 namespace tal::sql {
 

@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "tal/failure.h"
+#include "tal/status.h"
 
 namespace tal::sql {
 

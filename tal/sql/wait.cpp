@@ -4,7 +4,7 @@
 
 #include <cerrno>
 
-#include "tal/failure.h"
+#include "tal/status.h"
 
 namespace tal::sql {
 

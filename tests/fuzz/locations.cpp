@@ -5,10 +5,10 @@
 #include <memory>
 #include <string>
 
-#include "tal/failure.h"
 #include "tal/mariadb/location.h"
 #include "tal/postgresql/location.h"
 #include "tal/postgresql/login_options.h"
+#include "tal/status.h"
 #include "tal/text.h"
 #include "tests/fuzz/lines.h"
 #include "tests/fuzz/target.h"

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "tal/failure.h"
 #include "tal/mariadb/login_options.h"
+#include "tal/status.h"
 #include "tests/fuzz/target.h"
 #include "tests/support/temporary_folder.h"
 

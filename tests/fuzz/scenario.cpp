@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "tal/interface/served_engine.h"
-#include "tal/sim/errors.h"
-#include "tal/sim/parse.h"
+#include "tal/sim/document.h"
+#include "tal/sim/read_scenario.h"
 #include "tal/sim/sim.h"
 #include "tests/fuzz/served.h"
 #include "tests/fuzz/target.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tal/failure.h"
+#include "tal/status.h"
 #include "tests/fuzz/lines.h"
 #include "tests/fuzz/target.h"
 #include "tests/sql/table.h"

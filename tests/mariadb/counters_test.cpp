@@ -3,9 +3,9 @@
 
 #include <limits>
 
-#include "tal/failure.h"
 #include "tal/mariadb/read_communication.h"
 #include "tal/mariadb/read_usage.h"
+#include "tal/status.h"
 #include "tests/sql/table.h"
 
 namespace tal::mariadb {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tal/failure.h"
+#include "tal/status.h"
 
 namespace tal::mariadb {
 namespace {

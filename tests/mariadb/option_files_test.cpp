@@ -5,8 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tal/failure.h"
 #include "tal/mariadb/login_options.h"
+#include "tal/status.h"
 #include "tests/support/temporary_folder.h"
 
 namespace tal::mariadb {

@@ -2,8 +2,8 @@
 
 #include <stdexcept>
 
-#include "tal/failure.h"
 #include "tal/mariadb/mariadb.h"
+#include "tal/status.h"
 #include "tests/support/wait_until.h"
 
 namespace mariadb_testing {

@@ -7,8 +7,8 @@
 #include <filesystem>
 #include <string>
 
-#include "tal/failure.h"
 #include "tal/postgresql/postgresql.h"
+#include "tal/status.h"
 #include "tests/postgresql/fake_server.h"
 #include "tests/postgresql/server_test.h"
 #include "tests/sql/fake_host.h"

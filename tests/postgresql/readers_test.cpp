@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "tal/failure.h"
 #include "tal/postgresql/lock_codes.h"
 #include "tal/postgresql/read_clients.h"
 #include "tal/postgresql/read_communication.h"
 #include "tal/postgresql/read_files.h"
 #include "tal/postgresql/read_sql_connections.h"
 #include "tal/postgresql/read_usage.h"
+#include "tal/status.h"
 #include "tests/sql/table.h"
 
 namespace tal::postgresql {

@@ -2,8 +2,8 @@
 
 #include <optional>
 
-#include "tal/failure.h"
 #include "tal/postgresql/postgresql.h"
+#include "tal/status.h"
 #include "tests/support/wait_until.h"
 
 namespace testing_support {

@@ -9,8 +9,8 @@
 #include <future>
 #include <string>
 
-#include "tal/failure.h"
 #include "tal/sql/explained_failure.h"
+#include "tal/status.h"
 #include "tests/support/file_descriptor.h"
 
 namespace tal::sql {

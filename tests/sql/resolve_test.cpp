@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "tal/failure.h"
+#include "tal/status.h"
 #include "tests/sql/fake_host.h"
 
 namespace tal::sql {

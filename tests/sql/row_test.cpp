@@ -4,7 +4,7 @@
 
 #include <limits>
 
-#include "tal/failure.h"
+#include "tal/status.h"
 
 namespace tal::sql {
 namespace {

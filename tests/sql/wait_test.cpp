@@ -5,7 +5,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include "tal/failure.h"
+#include "tal/status.h"
 #include "tests/support/file_descriptor.h"
 
 namespace tal::sql {

@@ -1,10 +1,9 @@
-#include "tal/sim/demo.h"
+#include "tal/sim/read_scenario.h"
 
 #include <gtest/gtest.h>
 
 #include <set>
 
-#include "tal/sim/parse.h"
 #include "tal/sim/sim.h"
 
 namespace tal::sim {

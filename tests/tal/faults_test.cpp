@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "tal/sim/calls.h"
-#include "tal/sim/parse.h"
+#include "tal/sim/read_scenario.h"
 
 namespace tal::sim {
 namespace {

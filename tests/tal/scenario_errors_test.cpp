@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tal/sim/parse.h"
+#include "tal/sim/read_scenario.h"
 
 namespace tal::sim {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tal/sim/parse.h"
+#include "tal/sim/read_scenario.h"
 #include "tal/sim/sim.h"
 
 namespace tal::sim {

@@ -1,5 +1,5 @@
 // A module of a build that has another ABI tag than the library.
-#include "tal/module_entry.h"
+#include "tal/module.h"
 
 namespace {
 

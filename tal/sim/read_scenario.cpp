@@ -1,10 +1,11 @@
-#include "tal/sim/parse.h"
+#include "tal/sim/read_scenario.h"
 
 #include <limits>
 #include <optional>
 #include <string>
 
 #include "tal/recording/fields.h"
+#include "tal/regular_file.h"
 #include "tal/sim/calls.h"
 #include "tal/sim/table_reader.h"
 
@@ -163,6 +164,18 @@ Scenario readScenario(const Node& document) {
   return scenario;
 }
 
+// The bytes of a file.
+std::string textIn(const std::string& path) {
+  try {
+    std::string text(kFileLimit + 1, '\0');
+    text.resize(RegularFile(path).readAt(0, text));
+    if (text.size() <= kFileLimit) return text;
+  } catch (const FileError& error) {
+    throw ScenarioError(0, error.what());
+  }
+  throw ScenarioError(0, "is larger than " + std::to_string(kFileLimit) + " bytes");
+}
+
 }  // namespace
 
 Scenario parseScenario(std::string_view text, std::string_view name) {
@@ -171,6 +184,16 @@ Scenario parseScenario(std::string_view text, std::string_view name) {
   } catch (const ScenarioError& error) {
     throw error.in(name);
   }
+}
+
+Scenario scenarioIn(const std::string& path) {
+  std::string text;
+  try {
+    text = textIn(path);
+  } catch (const ScenarioError& error) {
+    throw error.in(path);
+  }
+  return parseScenario(text, path);
 }
 
 }  // namespace tal::sim

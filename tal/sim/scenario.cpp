@@ -1,4 +1,4 @@
-#include "tal/sim/generate.h"
+#include "tal/sim/scenario.h"
 
 #include "tal/recording/fields.h"
 
