@@ -104,8 +104,18 @@ bool isConnected(int socket) {
   return ::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &size) == 0;
 }
 
+// A server of another kind may be one that waits for its client to begin.
+Greeting greetingFor(const Target& target, int socket, const sql::Deadline& deadline) {
+  try {
+    return awaitGreeting(socket, deadline);
+  } catch (const Failure& failure) {
+    if (failure.status() != Status::kNoAnswer) throw;
+    failAt(target, Status::kNoAnswer, sql::message("NO_GREETING"));
+  }
+}
+
 void checkGreeting(const Target& target, int socket, const sql::Deadline& deadline) {
-  const Greeting greeting = awaitGreeting(socket, deadline);
+  const Greeting greeting = greetingFor(target, socket, deadline);
   if (greeting == Greeting::kForeign) {
     failAt(target, Status::kOtherProtocol, sql::message("OTHER_PROTOCOL"));
   }

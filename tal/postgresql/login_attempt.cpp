@@ -34,26 +34,29 @@ void dropNotice(void* /*argument*/, const char* /*text*/) {}
 struct Progress {
   ConnStatusType phase;
   char next;     // the next byte from the server, kNothing before the socket is connected
+  bool hasMore;  // a second byte is there too
   bool hasLeft;  // the server has closed the connection
 };
 
 // While the socket is connecting, a read would remove the error that the client library must see.
 Progress progressOf(const PGconn* connection) {
   const ConnStatusType phase = PQstatus(connection);
-  if (phase == CONNECTION_STARTED || phase == CONNECTION_MADE) return {phase, kNothing, false};
+  if (phase == CONNECTION_STARTED || phase == CONNECTION_MADE)
+    return {phase, kNothing, false, false};
 
-  char byte = kNothing;
-  const ssize_t count = ::recv(PQsocket(connection), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
-  return {phase, byte, count == 0 || (count < 0 && errno == ECONNRESET)};
+  char bytes[] = {kNothing, kNothing};
+  const ssize_t count = ::recv(PQsocket(connection), bytes, sizeof bytes, MSG_PEEK | MSG_DONTWAIT);
+  return {phase, bytes[0], count == 2, count == 0 || (count < 0 && errno == ECONNRESET)};
 }
 
 bool isAskedForTls(const Progress& progress) { return progress.phase == CONNECTION_SSL_STARTUP; }
 
-// The first byte of the server says whether it encrypts. A server without a free connection sends
-// an error.
+// The first byte of the server says whether it encrypts, and then the server waits. A server
+// without a free connection sends an error.
 void checkAnswerToTls(const Progress& progress) {
   constexpr char kKnown[] = {kNothing, kAgreed, kDeclined, kError};
-  if (std::ranges::find(kKnown, progress.next) == std::end(kKnown)) {
+  const bool isSentence = progress.next == kAgreed && progress.hasMore;
+  if (isSentence || std::ranges::find(kKnown, progress.next) == std::end(kKnown)) {
     throw Failure(Status::kOtherProtocol);
   }
 }

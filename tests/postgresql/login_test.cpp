@@ -362,7 +362,8 @@ TEST_F(LoginTest, FailsWithAFakeServersReason) {
 }
 
 TEST_F(LoginTest, OtherProtocolsAreToldBeforeEncryption) {
-  for (const char* const answer : {"HTTP/1.1 400 Bad Request\r\n", "_", "220 mail ready\r\n"}) {
+  for (const char* const answer : {"HTTP/1.1 400 Bad Request\r\n", "_", "220 mail ready\r\n",
+                                   "SSH-2.0-OpenSSH_9.2p1 Debian-2\r\n"}) {
     const FakeServer fake({""}, FakeServer::AtEnd::kSilent, answer);
     EXPECT_EQ(login("127.0.0.1:" + std::to_string(fake.port()), user("zelk")),
               Status::kOtherProtocol)
