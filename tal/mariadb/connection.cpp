@@ -15,6 +15,7 @@ constexpr std::int64_t kOldestVersion = 100600;
 ServerFacts factsOf(Result account) {
   if (!account.next()) throw Failure(Status::kServerError);
   ServerFacts facts{.performanceSchema = sql::integer(account, 4) != 0,
+                    .metadataLocks = sql::integer(account, 5) != 0,
                     .innodbReadOnly = sql::integer(account, 0) != 0,
                     .networking = sql::integer(account, 1) == 0,
                     .ariaBlockSize = sql::integer(account, 2),

@@ -7,9 +7,10 @@
 
 namespace tal::mariadb {
 
-// Facts that cannot change while the server runs.
+// What the server said of itself at the login.
 struct ServerFacts {
   bool performanceSchema = false;
+  bool metadataLocks = false;  // whether it lists them, which needs the performance schema
   bool innodbReadOnly = false;
   bool networking = true;  // whether the server listens to TCP at all
   std::int64_t ariaBlockSize = 0;

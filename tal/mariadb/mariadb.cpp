@@ -108,9 +108,9 @@ Credentials completed(Credentials credentials, Options& options) {
 
 // The line explains why a report may be empty.
 void tellWhatIsMissing(const ServerFacts& facts) {
-  if (!facts.performanceSchema && ::isatty(STDERR_FILENO) == 1) {
-    sql::tell(sql::message("NO_PERFORMANCE_SCHEMA"));
-  }
+  if (::isatty(STDERR_FILENO) == 0) return;
+  if (!facts.performanceSchema) return sql::tell(sql::message("NO_PERFORMANCE_SCHEMA"));
+  if (!facts.metadataLocks) sql::tell(sql::message("NO_METADATA_LOCKS"));
 }
 
 }  // namespace

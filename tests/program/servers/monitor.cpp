@@ -46,6 +46,20 @@ std::string Monitor::output(const std::vector<std::string>& arguments) const {
   return result.output;
 }
 
+void expectWellFormedReports(const std::string& server) {
+  const std::vector<std::string> sections = {"FILE", "SESS", "CONN", "RESO"};
+  for (unsigned int off = 0; off < 1U << sections.size(); ++off) {
+    std::vector<std::pair<std::string, std::string>> changes;
+    for (std::size_t i = 0; i < sections.size(); ++i) {
+      changes.emplace_back(sections[i], (off >> i & 1U) != 0 ? "NO" : "YES");
+    }
+    const Monitor monitor({server}, changes);
+    const Result result = testing_support::run(monitor.command(kAsJson));
+    EXPECT_EQ(result.ending, Ending::exit(0)) << result.error;
+    EXPECT_NO_THROW(requireJson(result.output)) << off;
+  }
+}
+
 std::string failureText(int status) {
   const std::string key = "\nORV_MSG_P_E_" + std::to_string(status) + "=";
   const std::string texts =

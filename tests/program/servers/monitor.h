@@ -45,6 +45,10 @@ inline const std::vector<std::string> kAsText = {"-f", "zelk.cfg", "-runonce"};
 inline const std::vector<std::string> kAsJson = {"-f", "zelk.cfg", "-runonce", "-JSON"};
 inline const std::vector<std::string> kTimed = {"-f", "zelk.cfg"};
 
+// Expects strict JSON of a server with each section on and off. Communication statistics stay on:
+// without them a comma is left at the end of the document.
+void expectWellFormedReports(const std::string& server);
+
 // How a failure of the engine is shown: "7103: The server cannot be reached...".
 std::string failureText(int status);
 
