@@ -1,10 +1,11 @@
-#include "companions/exporter/engine_metrics.h"
-
+// Turns a collection into metrics.
 #include <algorithm>
 #include <cstdint>
 #include <map>
 #include <string>
 
+#include "companions/exporter/collection.h"
+#include "companions/exporter/metrics.h"
 #include "companions/exporter/text_format.h"
 #include "tal/recording/words.h"
 

@@ -1,13 +1,18 @@
-// zelk-exporter: serves metrics of engines over HTTP.
+// zelk-exporter: serves metrics of engines over HTTP, or writes those of one moment.
+#include <unistd.h>
+
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <stdexcept>
+#include <system_error>
 
 #include "companions/exporter/http_server.h"
-#include "companions/exporter/once.h"
 #include "companions/exporter/options.h"
 #include "companions/exporter/pages.h"
+#include "companions/exporter/text_format.h"
 
 namespace exporter {
 namespace {
@@ -73,6 +78,41 @@ class StopSignals {
   static constexpr int kSignals[] = {SIGINT, SIGTERM};
   sigset_t signals_{};
 };
+
+[[noreturn]] void failToWrite(const std::string& name) {
+  throw std::system_error(errno, std::generic_category(), name + " cannot be written");
+}
+
+void print(const std::string& text) {
+  if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
+    failToWrite("standard output");
+  }
+}
+
+// By a rename, so that nobody reads half of it.
+void replace(const std::string& name, const std::string& text) {
+  const std::string temporary = name + '.' + std::to_string(getpid());
+  std::ofstream file(temporary, std::ios::binary);
+  file << text;
+  file.close();
+  if (!file || std::rename(temporary.c_str(), name.c_str()) != 0) {
+    const int reason = errno;
+    std::remove(temporary.c_str());
+    errno = reason;
+    failToWrite(name);
+  }
+}
+
+void writeOnce(const Options& options, const Targets& targets) {
+  if (targets.size() != 1) throw companions::WrongCommandLine("--once goes with one target");
+  const Metrics metrics = scraped(*targets.front(), Clock::now() + scrapeLimit(""), options.files);
+  const std::string text = serialized(metrics, Format::kText);
+  if (options.output.empty()) {
+    print(text);
+  } else {
+    replace(options.output, text);
+  }
+}
 
 void serve(const Options& options, const Targets& targets, const StopSignals& signals) {
   const Address address = addressIn(options.listen);

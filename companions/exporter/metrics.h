@@ -1,4 +1,5 @@
-// The metrics that the exporter serves: their definitions, which stand here once, and their values.
+// The metrics that the exporter serves: their definitions, which stand here once, their values, and
+// what these come from.
 #pragma once
 
 #include <array>
@@ -185,5 +186,17 @@ class Metrics {
  private:
   std::array<std::vector<Sample>, kDefinitions.size()> samples_;
 };
+
+struct Collection;
+
+// Adds the scrape and every section that was collected. Adds by name the `fileCount` files that
+// most handles wait for.
+void addCollection(Metrics& metrics, const Collection& collection, std::size_t fileCount);
+
+// Adds a scrape that reached its deadline.
+void addMissed(Metrics& metrics, double seconds);
+
+// Adds the exporter's own process.
+void addProcess(Metrics& metrics);
 
 }  // namespace exporter

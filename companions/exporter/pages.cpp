@@ -4,8 +4,6 @@
 #include <charconv>
 #include <cstdio>
 
-#include "companions/exporter/engine_metrics.h"
-#include "companions/exporter/process_metrics.h"
 #include "companions/exporter/text_format.h"
 
 namespace exporter {

@@ -1,5 +1,4 @@
-#include "companions/exporter/process_metrics.h"
-
+// Metrics of the exporter's own process.
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -7,6 +6,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+
+#include "companions/exporter/metrics.h"
 
 namespace exporter {
 namespace {

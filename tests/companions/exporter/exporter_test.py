@@ -4,6 +4,7 @@
 exporter_test.py zelk-exporter docs/metrics.md packaging/prometheus/zelk.rules.yml
 """
 import base64
+import contextlib
 import gzip
 import http.client
 import json
@@ -142,7 +143,8 @@ class Failing(unittest.TestCase):
 
     def test_a_target_that_hangs_holds_up_nobody(self):
         limit = {"X_Prometheus_Scrape_Timeout_Seconds": "1.5"}
-        with Silent() as server, Exporter({"hangs": server, "works": "sim:demo"}) as exporter:
+        hanging = Silent()
+        with hanging as server, Exporter({"hangs": server, "works": "sim:demo"}) as exporter:
             begin = time.monotonic()
             answers = []
             threads = [threading.Thread(target=lambda: answers.append(
@@ -153,8 +155,10 @@ class Failing(unittest.TestCase):
             for thread in threads:
                 thread.join()
             took = time.monotonic() - begin
+            connections = hanging.connections()
             stop = time.monotonic()
         self.assertEqual(working["zelk_up"], 1)
+        self.assertEqual(connections, 1)
         self.assertEqual([each["zelk_up"] for each in answers], [0] * 20)
         self.assertEqual({tuple(each) for each in answers},
                          {("zelk_up", "zelk_scrape_duration_seconds")})
@@ -211,6 +215,16 @@ class Hostile(unittest.TestCase):
         self.assertEqual(after["zelk_up"], 1)
         self.assertLessEqual(after["process_open_fds"], before + 2)
         self.assertEqual(exporter.code, 0)
+
+
+    def test_one_address_cannot_take_all_connections(self):
+        with Exporter({"demo": "sim:demo"}) as exporter, contextlib.ExitStack() as held:
+            for _ in range(300):
+                held.enter_context(socket.create_connection(("127.0.0.1", exporter.port), 30,
+                                                            ("127.0.0.2", 0)))
+            with self.assertRaises(OSError):
+                exporter.get("/-/healthy", source=("127.0.0.2", 0))
+            self.assertEqual(exporter.get("/-/healthy")[0], 200)
 
 
 class Protected(unittest.TestCase):
@@ -307,15 +321,20 @@ class CommandLine(unittest.TestCase):
                     file.write(text)
             printed = self.run_program("-f", config, "--once")
             written = self.run_program("-f", config, "--once", "-o", output)
-            full = self.run_program("-f", config, "--once", "-o", os.path.join(folder, "no/x"))
+            refused = [self.run_program("-f", config, "--once", "-o", os.path.join(folder, name))
+                       for name in ["no/x", ""]]
+            with open("/dev/full", "w", encoding="utf-8") as full:
+                lost = subprocess.run([PROGRAM, "-f", config, "--once"], stdout=full,
+                                      stderr=subprocess.PIPE, text=True, check=False)
             self.assertEqual(printed[0], 0)
             self.assertIn("zelk_up 1\n", printed[1])
             self.assertEqual(written, (0, "", ""))
             text = pathlib.Path(output).read_text(encoding="utf-8")
             self.assertEqual(text.splitlines()[:3], printed[1].splitlines()[:3])
             self.assertEqual(sorted(os.listdir(folder)), ["x.cfg", "x.prom"])
-            self.assertEqual(full[0], 1)
-            self.assertIn("no/x cannot be written", full[2])
+            for code, _, text in [*refused, (lost.returncode, "", lost.stderr)]:
+                self.assertEqual(code, 1)
+                self.assertIn("cannot be written", text)
 
     def test_mistakes(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -2,6 +2,7 @@
 
 The command line of each test: zelk-exporter docs/metrics.md packaging/prometheus/zelk.rules.yml
 """
+import contextlib
 import http.client
 import itertools
 import json
@@ -48,8 +49,8 @@ class Exporter:
         with open(os.path.join(self.folder.name, name), "w", encoding="utf-8") as file:
             file.write(text)
 
-    def get(self, path, method="GET", body=None, **headers):
-        connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=30)
+    def get(self, path, method="GET", body=None, source=None, **headers):
+        connection = http.client.HTTPConnection("127.0.0.1", self.port, 30, source)
         try:
             connection.request(method, path, body,
                                {name.replace("_", "-"): value for name, value in headers.items()})
@@ -81,6 +82,14 @@ class Silent:
     def __enter__(self):
         self.socket = socket.create_server(("127.0.0.1", 0))
         return f"postgresql://127.0.0.1:{self.socket.getsockname()[1]}"
+
+    def connections(self):
+        """How many it has accepted."""
+        self.socket.settimeout(0)
+        with contextlib.suppress(BlockingIOError):
+            for count in itertools.count():
+                self.socket.accept()[0].close()
+        return count
 
     def __exit__(self, *_):
         self.socket.close()
