@@ -20,7 +20,8 @@ thread_local std::uint64_t calls = 0;
 template <typename... Ends>
 bool answered(const char* call, std::int16_t status, Ends... ends) {
   ++calls;
-  if (((status == ends) || ...)) return false;
+  const bool isEnd = ((status == ends) || ...);
+  if (isEnd) return false;
   if (status != 0) throw CallFailure(call, status);
   return true;
 }

@@ -17,6 +17,8 @@ import time
 import urllib.parse
 import urllib.request
 
+from reserved_port import ReservedPort
+
 PROGRAM, PAGE, RULES = (pathlib.Path(sys.argv.pop(1)).resolve() for _ in range(3))
 
 
@@ -93,23 +95,6 @@ class Silent:
 
     def __exit__(self, *_):
         self.socket.close()
-
-
-class ReservedPort:
-    """A free port that no other test on this machine gets, and that the system gives to nobody: the
-    same claim as testing_support::ReservedPort makes."""
-
-    def __init__(self):
-        for attempt in itertools.count(os.getpid() * 7):
-            self.number = 20000 + attempt % 10000
-            self.claim = socket.socket(socket.AF_UNIX)
-            try:
-                self.claim.bind(f"\0zelk-test-port-{self.number}")
-                with socket.socket() as free:
-                    free.bind(("127.0.0.1", self.number))
-                return
-            except OSError:
-                self.claim.close()
 
 
 class Database:
