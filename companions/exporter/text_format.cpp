@@ -89,10 +89,9 @@ const char* contentType(Format format) noexcept {
 }
 
 std::string validText(std::string_view text, std::size_t limit) {
-  const orv::String wide(text);
+  const std::wstring wide = orv::String(text).wide();
   orv::String valid;
-  for (std::size_t at = 0; at < std::min(limit, wide.length()); ++at) {
-    const wchar_t character = wide.charAt(at);
+  for (const wchar_t character : std::wstring_view(wide).substr(0, limit)) {
     // A byte that cannot be decoded is one of these.
     const bool isByte = character >= 0xdc80 && character <= 0xdcff;
     valid.append(1, isByte ? L'\ufffd' : character);

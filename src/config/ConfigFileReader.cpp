@@ -44,7 +44,7 @@ bool isKnown(const orv::String& key) {
   return std::find(std::begin(kKeys), std::end(kKeys), key) != std::end(kKeys);
 }
 
-bool isComment(const orv::String& line) { return line.startsWith(L"//"); }
+bool isComment(const orv::String& line) { return line.startsWith("//"); }
 
 }  // namespace
 
@@ -88,7 +88,7 @@ void ConfigFileReader::readLines() {
   while (lines_->readLine(line)) {
     orv::String trimmed = line.trim();
     if (isComment(trimmed)) continue;
-    if (lines_->isLineCut() && (trimmed.contains(L'=') || lines_->restOfLineHas(L'='))) {
+    if (lines_->isLineCut() && (trimmed.contains('=') || lines_->restOfLineHas(L'='))) {
       throw ConfigException(messages_->getResStr("ERR_LINE_TOO_LONG"));
     }
     addConfigSetting(trimmed);
@@ -98,8 +98,8 @@ void ConfigFileReader::readLines() {
 }
 
 void ConfigFileReader::addConfigSetting(const orv::String& line) {
-  if (!line.contains(L'=')) return;
-  orv::util::StringTokenizer pieces(line, L'=');
+  if (!line.contains('=')) return;
+  orv::util::StringTokenizer pieces(line, '=');
   if (!pieces.hasMoreTokens()) return;
   const orv::String key = pieces.nextToken().first(kKeyLength).toUpper();
   if (!isKnown(key)) return;

@@ -33,8 +33,8 @@ void CMSGStrings::MakeResourceString(const orv::String& bundle, orv::String key,
 
 void CMSGStrings::MakeResString(const orv::String& prefix, const orv::String& key,
                                 orv::String& text) {
-  std::wstring name = key.trim().wide();
-  std::replace(name.begin(), name.end(), L'-', L'N');
+  std::string name = key.trim().toBytes();
+  std::replace(name.begin(), name.end(), '-', 'N');
   MakeResourceString(kEngineBundle, prefix + orv::String(std::move(name)), text);
 }
 

@@ -118,7 +118,10 @@ class MonitorProcessor {
   void writeCommunicationJson(const CommStats& statistics);
 
   // One line of a report, after `tabs` tabs.
-  void put(orv::String line, int tabs = 0) { output_->putData(std::move(line), tabs); }
+  template <class Text>
+  void put(const Text& line, int tabs = 0) {
+    output_->putData(line, tabs);
+  }
 
   ConfigData* config_;
   orv::OwningPtr<VXAMonitorHelper> engine_;

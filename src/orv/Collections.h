@@ -41,7 +41,7 @@ class List : public Object {
 
 struct StringHash {
   std::size_t operator()(const String& text) const noexcept {
-    return std::hash<std::wstring>()(text.wide());
+    return std::hash<std::string>()(text.toBytes());
   }
 };
 

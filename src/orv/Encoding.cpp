@@ -47,6 +47,16 @@ std::size_t validLength(const Lead& lead, std::string_view bytes) noexcept {
   return valid;
 }
 
+bool isWhole(const Lead& lead, std::string_view bytes) noexcept {
+  return lead.length != 0 && validLength(lead, bytes) == lead.length;
+}
+
+// How many bytes the first character takes.
+std::size_t lengthOfFirst(std::string_view bytes) noexcept {
+  const Lead lead = leadOf(static_cast<std::uint8_t>(bytes.front()));
+  return isWhole(lead, bytes) ? lead.length : 1;
+}
+
 wchar_t characterOf(const Lead& lead, std::string_view bytes) noexcept {
   std::uint32_t value = lead.payload;
   for (std::size_t i = 1; i < lead.length; ++i) {
@@ -70,7 +80,7 @@ std::size_t lengthOfAscii(std::string_view bytes) noexcept {
   return length;
 }
 
-// Bytes below 0x80 are characters of the same number.
+// Bytes below 0x80 are characters of the same number, and the other way round.
 void appendAscii(std::string_view bytes, std::wstring& text) {
   const std::size_t before = text.size();
   text.resize(before + bytes.size());
@@ -101,6 +111,34 @@ std::size_t decodeUtf8(std::string_view bytes, bool atEnd, std::wstring& text) {
     }
   }
   return at;
+}
+
+std::size_t countCharacters(std::string_view bytes) noexcept {
+  std::size_t count = 0;
+  while (true) {
+    const std::size_t run = lengthOfAscii(bytes);
+    count += run;
+    bytes.remove_prefix(run);
+    if (bytes.empty()) return count;
+    bytes.remove_prefix(lengthOfFirst(bytes));
+    ++count;
+  }
+}
+
+std::size_t offsetOfCharacter(std::string_view bytes, std::size_t index) noexcept {
+  std::size_t at = 0;
+  for (; index > 0 && at < bytes.size(); --index) at += lengthOfFirst(bytes.substr(at));
+  return at;
+}
+
+std::string encodeUtf8(std::wstring_view text) {
+  std::string bytes;
+  bytes.reserve(text.size());
+  char encoded[kMaximumBytesPerCharacter];
+  for (const wchar_t character : text) {
+    bytes.append(encoded, encodeUtf8(character, encoded));
+  }
+  return bytes;
 }
 
 std::size_t encodeUtf8(wchar_t character, char* out) noexcept {

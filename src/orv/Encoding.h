@@ -11,9 +11,19 @@ namespace orv {
 
 inline constexpr std::size_t kMaximumBytesPerCharacter = 4;
 
+constexpr bool isAscii(wchar_t character) noexcept { return character >= 0 && character < 0x80; }
+
 // Appends the decoded bytes to `text`. Unless `atEnd`, a sequence that later bytes may complete is
 // not decoded yet. Returns the number of bytes decoded.
 std::size_t decodeUtf8(std::string_view bytes, bool atEnd, std::wstring& text);
+
+// The number of characters.
+std::size_t countCharacters(std::string_view bytes) noexcept;
+
+// Where the character with this index begins; the length of `bytes` if there are not so many.
+std::size_t offsetOfCharacter(std::string_view bytes, std::size_t index) noexcept;
+
+std::string encodeUtf8(std::wstring_view text);
 
 // Writes the bytes of one character to `out`, which has room for kMaximumBytesPerCharacter, and
 // returns how many were written. A value that is not a character becomes "?".

@@ -60,7 +60,7 @@ void ORVDirClose(DirHandle* handle) noexcept {
 }
 
 Result ORVDirCreate(const String& path, unsigned permissions) {
-  const std::string name = path.toBytes();
+  const std::string& name = path.toBytes();
   if (mkdir(name.c_str(), permissions) == 0) return 0;
   const int error = errno;
   struct stat status {};
@@ -119,7 +119,7 @@ String FilePath::getCurrentDir() {
   std::error_code error;
   const auto path = std::filesystem::current_path(error);
   String folder = checked(path, error);
-  if (!folder.wide().ends_with(dirDelim)) folder.append(1, dirDelim);
+  if (!folder.toBytes().ends_with(dirDelim)) folder.append(1, dirDelim);
   return folder;
 }
 

@@ -37,7 +37,7 @@ class FilePath {
  public:
   FilePath() = delete;
 
-  static constexpr wchar_t dirDelim = L'/';
+  static constexpr char dirDelim = '/';
 
   // Ends with the delimiter. Throws ResultException if the folder no longer has a name.
   static String getCurrentDir();

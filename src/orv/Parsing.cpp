@@ -1,10 +1,9 @@
 #include "orv/Parsing.h"
 
+#include <algorithm>
 #include <charconv>
-#include <string>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 namespace orv {
 namespace {
@@ -13,8 +12,7 @@ bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
 template <class Integer>
 Integer parse(const String& text) {
-  const std::string bytes = text.toBytes();
-  std::string_view rest = bytes;
+  std::string_view rest = text.toBytes();
   if (rest.starts_with('+') && rest.size() > 1 && isDigit(rest[1])) rest.remove_prefix(1);
   Integer value = 0;
   const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), value);
@@ -32,15 +30,15 @@ long Number::parseLong(const String& text) { return parse<long>(text); }
 
 namespace orv::util {
 
-StringTokenizer::StringTokenizer(String text, wchar_t delimiter)
-    : text_(std::move(text)), delimiter_(delimiter) {
+StringTokenizer::StringTokenizer(const String& text, char delimiter)
+    : text_(text.toBytes()), delimiter_(delimiter) {
   skipDelimiters();
 }
 
 String StringTokenizer::nextToken() {
   const std::size_t begin = next_;
-  while (next_ < text_.length() && text_.charAt(next_) != delimiter_) ++next_;
-  String token(text_.wide().substr(begin, next_ - begin));
+  next_ = std::min(text_.find(delimiter_, begin), text_.size());
+  String token(text_.substr(begin, next_ - begin));
   skipDelimiters();
   return token;
 }
@@ -53,7 +51,7 @@ std::size_t StringTokenizer::countTokens() const {
 }
 
 void StringTokenizer::skipDelimiters() noexcept {
-  while (next_ < text_.length() && text_.charAt(next_) == delimiter_) ++next_;
+  next_ = std::min(text_.find_first_not_of(delimiter_, next_), text_.size());
 }
 
 }  // namespace orv::util

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "orv/String.h"
 
@@ -23,9 +24,10 @@ namespace orv::util {
 // The pieces of a text between delimiters. Delimiters and empty texts are not pieces.
 class StringTokenizer {
  public:
-  StringTokenizer(String text, wchar_t delimiter);
+  // `delimiter` is ASCII.
+  StringTokenizer(const String& text, char delimiter);
 
-  [[nodiscard]] bool hasMoreTokens() const noexcept { return next_ < text_.length(); }
+  [[nodiscard]] bool hasMoreTokens() const noexcept { return next_ < text_.size(); }
   // Call it only while there are more pieces; otherwise it returns an empty string.
   String nextToken();
   // How many are left.
@@ -34,8 +36,8 @@ class StringTokenizer {
  private:
   void skipDelimiters() noexcept;
 
-  String text_;
-  wchar_t delimiter_;
+  std::string text_;
+  char delimiter_;
   std::size_t next_ = 0;
 };
 

@@ -10,90 +10,81 @@
 namespace orv {
 namespace {
 
-wchar_t upper(wchar_t character) noexcept {
-  return character >= L'a' && character <= L'z' ? static_cast<wchar_t>(character - L'a' + L'A')
-                                                : character;
+char upper(char character) noexcept {
+  return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A')
+                                              : character;
 }
 
 template <class Number>
 String decimal(Number number) {
   char digits[24];
   const auto end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
-  return String(std::wstring(std::begin(digits), end));
+  return String(std::string_view(digits, static_cast<std::size_t>(end - digits)));
 }
 
 }  // namespace
+
+String::String(std::wstring_view text) : bytes_(encodeUtf8(text)) {}
 
 String String::valueOf(long number) { return decimal(number); }
 
 String String::valueOf(unsigned long number) { return decimal(number); }
 
-std::string String::toBytes() const {
-  std::string bytes;
-  bytes.reserve(text_.size());
-  char encoded[kMaximumBytesPerCharacter];
-  for (const wchar_t character : text_) {
-    bytes.append(encoded, encodeUtf8(character, encoded));
-  }
-  return bytes;
-}
+std::size_t String::length() const noexcept { return countCharacters(bytes_); }
 
-String& String::append(std::string_view bytes) {
-  decodeUtf8(bytes, true, text_);
-  return *this;
-}
-
-String& String::append(const String& other) {
-  text_ += other.text_;
-  return *this;
+std::wstring String::wide() const {
+  std::wstring text;
+  decodeUtf8(bytes_, true, text);
+  return text;
 }
 
 String& String::append(std::size_t count, wchar_t character) {
-  text_.append(count, character);
+  if (isAscii(character)) {
+    bytes_.append(count, static_cast<char>(character));
+  } else {
+    insertAt(bytes_.size(), count, character);
+  }
   return *this;
 }
 
 void String::insert(std::size_t index, std::size_t count, wchar_t character) {
-  text_.insert(index, count, character);
+  insertAt(offsetOfCharacter(bytes_, index), count, character);
 }
 
-void String::wipe() noexcept {
-  explicit_bzero(text_.data(), text_.size() * sizeof(wchar_t));
-  text_.clear();
+void String::insertAt(std::size_t offset, std::size_t count, wchar_t character) {
+  char encoded[kMaximumBytesPerCharacter];
+  const std::size_t length = encodeUtf8(character, encoded);
+  for (; count > 0; --count) bytes_.insert(offset, encoded, length);
 }
 
-bool String::contains(wchar_t character) const noexcept {
-  return text_.find(character) != std::wstring::npos;
+void String::wipe() noexcept { orv::wipe(bytes_); }
+
+bool String::contains(char character) const noexcept {
+  return bytes_.find(character) != std::string::npos;
 }
 
-bool String::startsWith(std::wstring_view start) const noexcept { return text_.starts_with(start); }
+bool String::startsWith(std::string_view start) const noexcept { return bytes_.starts_with(start); }
 
 bool String::equalsIgnoreCase(const String& other) const noexcept {
-  return std::equal(text_.begin(), text_.end(), other.text_.begin(), other.text_.end(),
-                    [](wchar_t left, wchar_t right) { return upper(left) == upper(right); });
+  return std::equal(bytes_.begin(), bytes_.end(), other.bytes_.begin(), other.bytes_.end(),
+                    [](char left, char right) { return upper(left) == upper(right); });
 }
 
-String String::trim(std::wstring_view unwanted) const {
-  const std::size_t begin = text_.find_first_not_of(unwanted);
-  if (begin == std::wstring::npos) return {};
-  const std::size_t end = text_.find_last_not_of(unwanted);
-  return String(text_.substr(begin, end - begin + 1));
+String String::first(std::size_t count) const {
+  return String(bytes_.substr(0, offsetOfCharacter(bytes_, count)));
+}
+
+String String::trim(std::string_view unwanted) const {
+  const std::size_t begin = bytes_.find_first_not_of(unwanted);
+  if (begin == std::string::npos) return {};
+  const std::size_t end = bytes_.find_last_not_of(unwanted);
+  return String(bytes_.substr(begin, end - begin + 1));
 }
 
 String String::toUpper() const {
   String result(*this);
-  std::transform(result.text_.begin(), result.text_.end(), result.text_.begin(), upper);
+  std::transform(result.bytes_.begin(), result.bytes_.end(), result.bytes_.begin(), upper);
   return result;
-}
-
-String operator+(const char* left, const String& right) {
-  // Room for the rest of an output line: tabs before the text, a comma, the line end.
-  constexpr std::size_t kSlack = 12;
-  const std::string_view bytes(left);
-  String result;
-  result.text_.reserve(bytes.size() + right.length() + kSlack);
-  result.append(bytes);
-  return std::move(result.append(right));
 }
 
 void wipe(std::string& bytes) noexcept {
@@ -102,7 +93,7 @@ void wipe(std::string& bytes) noexcept {
 }
 
 void ORVUnicodeToAnsi(const String& text, char* buffer, std::size_t size) {
-  const std::string bytes = text.toBytes();
+  const std::string& bytes = text.toBytes();
   ORVStrCpyA(buffer, size, bytes.c_str());
   if (bytes.size() < size) return;
   buffer[lengthOfWholeCharacters(std::string_view(buffer, std::strlen(buffer)))] = '\0';

@@ -1,6 +1,8 @@
 // The string type of the whole program.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -8,15 +10,29 @@
 
 namespace orv {
 
-// Wide text; one element is one character. Narrow texts are UTF-8 and are converted without loss
-// (orv/Encoding.h). Case conversions and comparisons change or ignore the case of ASCII letters
-// only, so that no output depends on a locale.
+// A sum of texts, such as "a" + text + ",". It only refers to them, so it must not outlive its
+// expression: give a variable or a function's result the type String. A line of a report is put
+// together from it at once, without a text for each step.
+template <std::size_t kCount>
+struct Sum {
+  std::array<std::string_view, kCount> texts;
+};
+
+// Text whose lengths and positions count characters. It is kept in UTF-8, as it comes in and goes
+// out; a byte that is not part of a valid sequence counts as one character (orv/Encoding.h). Case
+// conversions and comparisons change or ignore the case of ASCII letters only, so that no output
+// depends on a locale.
 class String {
  public:
   String() = default;
-  String(const char* bytes) : String(std::string_view(bytes)) {}  // literals read as texts
-  explicit String(std::string_view bytes) { append(bytes); }
-  explicit String(std::wstring text) noexcept : text_(std::move(text)) {}
+  String(const char* bytes) : bytes_(bytes) {}  // literals read as texts
+  explicit String(std::string_view bytes) : bytes_(bytes) {}
+  explicit String(std::string bytes) noexcept : bytes_(std::move(bytes)) {}
+  explicit String(std::wstring_view text);
+  template <std::size_t kCount>
+  String(const Sum<kCount>& sum) {
+    *this += sum;
+  }
 
   // Decimal, with a leading minus sign if negative.
   static String valueOf(long number);
@@ -24,41 +40,81 @@ class String {
   static String valueOf(int number) { return valueOf(static_cast<long>(number)); }
   static String valueOf(unsigned int number) { return valueOf(static_cast<unsigned long>(number)); }
 
-  [[nodiscard]] std::size_t length() const noexcept { return text_.size(); }
-  [[nodiscard]] bool isEmpty() const noexcept { return text_.empty(); }
-  // `index` is below length().
-  [[nodiscard]] wchar_t charAt(std::size_t index) const noexcept { return text_[index]; }
-  [[nodiscard]] const std::wstring& wide() const noexcept { return text_; }
-  [[nodiscard]] std::string toBytes() const;
+  [[nodiscard]] std::size_t length() const noexcept;
+  [[nodiscard]] bool isEmpty() const noexcept { return bytes_.empty(); }
+  [[nodiscard]] const std::string& toBytes() const noexcept { return bytes_; }
+  // One element is one character.
+  [[nodiscard]] std::wstring wide() const;
 
-  String& append(std::string_view bytes);
-  String& append(const String& other);
+  String& append(std::string_view bytes) {
+    bytes_.append(bytes);
+    return *this;
+  }
+  String& append(const String& other) { return append(other.bytes_); }
   String& append(std::size_t count, wchar_t character);
   String& operator+=(const String& other) { return append(other); }
   String& operator+=(const char* bytes) { return append(std::string_view(bytes)); }
+  template <std::size_t kCount>
+  String& operator+=(const Sum<kCount>& sum) {
+    for (const std::string_view text : sum.texts) append(text);
+    return *this;
+  }
   // `index` is at most length().
   void insert(std::size_t index, std::size_t count, wchar_t character);
 
+  void clear() noexcept { bytes_.clear(); }
   // Empties the text and overwrites its memory.
   void wipe() noexcept;
 
-  [[nodiscard]] bool contains(wchar_t character) const noexcept;
-  [[nodiscard]] bool startsWith(std::wstring_view start) const noexcept;
+  // `character` is ASCII.
+  [[nodiscard]] bool contains(char character) const noexcept;
+  [[nodiscard]] bool startsWith(std::string_view start) const noexcept;
   [[nodiscard]] bool equalsIgnoreCase(const String& other) const noexcept;
   // At most `count` characters from the start.
-  [[nodiscard]] String first(std::size_t count) const { return String(text_.substr(0, count)); }
-  // Without the characters of `unwanted` at both ends.
-  [[nodiscard]] String trim(std::wstring_view unwanted = L" \t\r\n") const;
+  [[nodiscard]] String first(std::size_t count) const;
+  // Without the characters of `unwanted` at both ends; all of them are ASCII.
+  [[nodiscard]] String trim(std::string_view unwanted = " \t\r\n") const;
   [[nodiscard]] String toUpper() const;
 
   friend bool operator==(const String& left, const String& right) noexcept = default;
-  friend String operator+(String left, const String& right) { return std::move(left += right); }
-  friend String operator+(String left, const char* right) { return std::move(left += right); }
-  friend String operator+(const char* left, const String& right);
 
  private:
-  std::wstring text_;
+  // `offset` counts bytes.
+  void insertAt(std::size_t offset, std::size_t count, wchar_t character);
+
+  std::string bytes_;
 };
+
+inline Sum<2> operator+(const String& left, const String& right) {
+  return {
+      {left.toBytes(), right.toBytes()}
+  };
+}
+inline Sum<2> operator+(const String& left, const char* right) {
+  return {
+      {left.toBytes(), right}
+  };
+}
+inline Sum<2> operator+(const char* left, const String& right) {
+  return {
+      {left, right.toBytes()}
+  };
+}
+
+template <std::size_t kCount>
+Sum<kCount + 1> operator+(const Sum<kCount>& left, const char* right) {
+  Sum<kCount + 1> sum;
+  std::copy(left.texts.begin(), left.texts.end(), sum.texts.begin());
+  sum.texts.back() = right;
+  return sum;
+}
+template <std::size_t kCount>
+Sum<kCount + 1> operator+(const Sum<kCount>& left, const String& right) {
+  Sum<kCount + 1> sum;
+  std::copy(left.texts.begin(), left.texts.end(), sum.texts.begin());
+  sum.texts.back() = right.toBytes();
+  return sum;
+}
 
 // Empties the bytes and overwrites their memory.
 void wipe(std::string& bytes) noexcept;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 namespace {
 
@@ -22,15 +23,22 @@ void FormatHelper::padToLen(orv::String& text, int length) {
 
 void FormatHelper::putError(const orv::String& message) { logger_->severe("ERROR! - " + message); }
 
-void FormatHelper::putData(orv::String data, int tabs) {
-  data.insert(0, countOf(tabs), L'\t');
-  logger_->info(data);
+void FormatHelper::putHeader(const orv::String& title, int tabs) {
+  const auto putRule = [this, length = title.length(), tabs] {
+    logger_->info(newLine(tabs).append(length, L'='));
+  };
+  putRule();
+  putData(title.toUpper(), tabs);
+  putRule();
 }
 
-void FormatHelper::putHeader(const orv::String& title, int tabs) {
-  orv::String rule = getTabStr(tabs);
-  rule.append(title.length(), L'=');
-  logger_->info(rule);
-  logger_->info(getTabStr(tabs) + title.toUpper());
-  logger_->info(rule);
+orv::String& FormatHelper::newLine(int tabs) {
+  constexpr std::string_view kTabs = "\t\t\t\t\t\t\t\t";
+  line_.clear();
+  for (std::size_t missing = countOf(tabs); missing > 0;) {
+    const std::string_view part = kTabs.substr(0, missing);
+    line_.append(part);
+    missing -= part.size();
+  }
+  return line_;
 }

@@ -22,10 +22,18 @@ class FormatHelper : public orv::Object {
   static void padToLen(orv::String& text, int length);
 
   void putError(const orv::String& message);
-  void putData(orv::String data, int tabs);
+  // `data` is a String, a literal or a sum of them.
+  template <class Text>
+  void putData(const Text& data, int tabs) {
+    logger_->info(newLine(tabs) += data);
+  }
   // Three lines: the title in capitals between two rules of "=" of the same length.
   void putHeader(const orv::String& title, int tabs);
 
  private:
+  // The line, with this many tabs.
+  orv::String& newLine(int tabs);
+
   orv::Reference<Logger> logger_;
+  orv::String line_;  // used again for each line
 };

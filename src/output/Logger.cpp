@@ -39,8 +39,8 @@ orv::String withFolder(const orv::String& path) {
 }
 
 orv::String withoutNul(const orv::String& path) {
-  std::wstring shown = path.wide();
-  std::replace(shown.begin(), shown.end(), L'\0', L'?');
+  std::string shown = path.toBytes();
+  std::replace(shown.begin(), shown.end(), '\0', '?');
   return orv::String(std::move(shown));
 }
 
@@ -65,7 +65,7 @@ void Logger::addStdOutHandler() { addHandler(orv::makeReference<orv::io::StdioOu
 
 void Logger::addFileHandler(const orv::String& path) {
   // The system would use only the part before a NUL byte as the name.
-  if (path.contains(L'\0')) throwError(orv::kFileNotFound, withoutNul(path));
+  if (path.contains('\0')) throwError(orv::kFileNotFound, withoutNul(path));
   if (orv::isPlanted(path)) throwError(orv::kAccessDenied, withFolder(path));
   const orv::Result code = Utils::createDirs(path);
   if (code != 0) throwError(code, path);
@@ -97,9 +97,9 @@ void Logger::log(Level level, const orv::String& message) {
 
 void Logger::throwError(orv::Result code, const orv::String& path) const {
   if (code != orv::kAccessDenied && code != orv::kFileNotFound) throw orv::ResultException(code);
-  const std::string reason =
-      messages_->getResStr(code == orv::kAccessDenied ? "ACCESS_ERROR" : "FILE_NOT_FOUND_ERROR")
-          .toBytes();
-  throw orv::io::IoException(
-      messages_->getResStr("ERR_CREATE_FILE", path.toBytes().c_str(), reason.c_str(), code), code);
+  const orv::String reason =
+      messages_->getResStr(code == orv::kAccessDenied ? "ACCESS_ERROR" : "FILE_NOT_FOUND_ERROR");
+  throw orv::io::IoException(messages_->getResStr("ERR_CREATE_FILE", path.toBytes().c_str(),
+                                                  reason.toBytes().c_str(), code),
+                             code);
 }

@@ -25,7 +25,7 @@ template <class Integer>
 Integer parseStrictly(const orv::String& text, Integer (*parse)(const orv::String&)) {
   const orv::String trimmed = text.trim();
   const Integer value = parse(trimmed);
-  if (value == 0 && trimmed.wide() != L"0") throw NumberFormatException();
+  if (value == 0 && trimmed != "0") throw NumberFormatException();
   return value;
 }
 
@@ -49,11 +49,11 @@ bool Utils::dirExist(const orv::String& path) {
 }
 
 orv::Result Utils::createDirs(const orv::String& path) {
-  constexpr wchar_t delimiter = orv::util::FilePath::dirDelim;
+  constexpr char delimiter = orv::util::FilePath::dirDelim;
   orv::util::StringTokenizer tokens(path, delimiter);
   std::size_t folders = tokens.countTokens();
   orv::String folder;
-  bool needsDelimiter = path.startsWith(std::wstring_view(&delimiter, 1));
+  bool needsDelimiter = path.startsWith(std::string_view(&delimiter, 1));
   for (; folders > 1; --folders) {
     folder.append(needsDelimiter ? 1 : 0, delimiter).append(tokens.nextToken());
     if (const orv::Result result = createDirIfMissing(folder); result != 0) return result;
@@ -63,15 +63,15 @@ orv::Result Utils::createDirs(const orv::String& path) {
 }
 
 void Utils::removeTabChars(orv::String& text) {
-  std::wstring kept = text.wide();
-  std::erase(kept, L'\t');
+  std::string kept = text.toBytes();
+  std::erase(kept, '\t');
   text = orv::String(std::move(kept));
 }
 
 void Utils::addBackslashChars(orv::String& text, char character) {
+  if (!text.contains(character)) return;
   const auto wanted = static_cast<wchar_t>(static_cast<signed char>(character));
-  if (!text.contains(wanted)) return;
-  const std::wstring& original = text.wide();
+  const std::wstring original = text.wide();
   std::wstring escaped;
   escaped.reserve(original.size() + 8);
   std::size_t next = 0;
@@ -80,7 +80,7 @@ void Utils::addBackslashChars(orv::String& text, char character) {
     escaped.push_back(original[next]);
   }
   escaped.append(original, next);
-  text = orv::String(std::move(escaped));
+  text = orv::String(escaped);
 }
 
 orv::Reference<Utils::StringList> Utils::convertToStringList(int count, const char* const* texts) {

@@ -55,7 +55,7 @@ void requireUsable(const ConfigData& data) {
   require(data.refreshLimit >= 0, "the limit is not negative");
   require(data.refreshRate > 0 || data.refreshLimit == 0, "there is no limit without a rate");
   for (const orv::String* text : {&data.server, &data.user, &data.password, &data.outputType}) {
-    require(!text->contains(L'=') && !text->contains(L'\n'), "a value is part of one line");
+    require(!text->contains('=') && !text->contains('\n'), "a value is part of one line");
   }
 }
 

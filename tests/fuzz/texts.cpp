@@ -23,7 +23,7 @@ std::string linesInPieces(std::string_view bytes, std::size_t pieceSize, std::si
   std::string result;
   orv::String line;
   while (reader.readLine(line)) {
-    require(!line.contains(L'\n'), "a line is one line");
+    require(!line.contains('\n'), "a line is one line");
     result += line.toBytes() + "\n";
   }
   return result;

@@ -5,6 +5,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "orv/String.h"
 
@@ -137,6 +138,28 @@ TEST(Encoding, LeavesWhatLaterBytesMayComplete) {
     std::wstring text;
     EXPECT_EQ(orv::decodeUtf8(piece.bytes, false, text), piece.decoded)
         << ::testing::PrintToString(piece.bytes);
+  }
+}
+
+TEST(Encoding, CountsAndFindsCharacters) {
+  struct Case {
+    std::string_view bytes;
+    std::vector<std::size_t> offsets;  // of each character, and the end
+  };
+  const std::vector<Case> cases = {
+      {"",                                       {0}                                                       },
+      {"ab",                                     {0, 1, 2}                                                 },
+      {"a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80z", {0, 1, 3, 6, 10, 11}                                      },
+      {"\xC3\xFF\xE2\x82",                       {0, 1, 2, 3, 4}                                           },
+      {"0123456789abcde\xC3\xA4",                {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 17}},
+  };
+
+  for (const Case& row : cases) {
+    EXPECT_EQ(orv::countCharacters(row.bytes), row.offsets.size() - 1);
+    for (std::size_t index = 0; index < row.offsets.size(); ++index) {
+      EXPECT_EQ(orv::offsetOfCharacter(row.bytes, index), row.offsets[index]);
+    }
+    EXPECT_EQ(orv::offsetOfCharacter(row.bytes, 99), row.bytes.size());
   }
 }
 

@@ -96,7 +96,7 @@ TEST(WriteFully, AsksTheSystemNothingForNoBytes) {
 TEST(WriteFullyDeathTest, TakesItsErrorTextFromTheProgram) {
   const auto writeWithText = [] {
     orv::io::setWriteErrorText(
-        [](const String& target, const String& reason) { return target + "|" + reason; });
+        [](const String& target, const String& reason) -> String { return target + "|" + reason; });
     FileOutputStream full("/dev/full");
     std::cerr << descriptionOf([&] { full.write("x"); }).toBytes();
     std::exit(1);

@@ -23,7 +23,7 @@ TEST(String, CountsCharactersNotBytes) {
   const String text("\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80");
 
   EXPECT_EQ(text.length(), 3U);
-  EXPECT_EQ(text.charAt(1), L'\u20AC');
+  EXPECT_EQ(text.wide(), L"\u00E4\u20AC\U0001F600");
   EXPECT_EQ(text.first(2).toBytes(), "\xC3\xA4\xE2\x82\xAC");
 }
 
@@ -43,7 +43,18 @@ TEST(String, Concatenates) {
   text += String("c");
   text.append(3, L'-').append(String("d")).append(0, L'?');
 
-  EXPECT_EQ("<" + text + ">" + String("!"), "<abc---d>!");
+  EXPECT_EQ(text, "abc---d");
+}
+
+TEST(String, IsMadeOfASum) {
+  const String text("b");
+  String line("a");
+
+  line += "-" + text + "-" + String("c") + "\xC3\xA4";
+
+  EXPECT_EQ(line, "a-b-c\xC3\xA4");
+  EXPECT_EQ(String(text + text), "bb");
+  EXPECT_EQ(String(text + "c"), "bc");
 }
 
 TEST(String, AppendsItself) {
@@ -63,15 +74,29 @@ TEST(String, Inserts) {
   EXPECT_EQ(text, "abbde");
 }
 
+TEST(String, InsertsWholeCharacters) {
+  String text("\xE2\x82\xAC\xFFz");
+
+  text.insert(2, 2, L'\u00E4');
+  text.append(1, L'\u20AC');
+
+  EXPECT_EQ(text.toBytes(), "\xE2\x82\xAC\xFF\xC3\xA4\xC3\xA4z\xE2\x82\xAC");
+}
+
+TEST(String, IsMadeOfWideCharacters) {
+  EXPECT_EQ(String(std::wstring{L'a', 0xE4, 0x20AC, 0xDCFF, 0xD800}).toBytes(),
+            "a\xC3\xA4\xE2\x82\xAC\xFF?");
+}
+
 TEST(String, FindsCharactersAndStarts) {
   const String text("//x=1");
 
-  EXPECT_TRUE(text.contains(L'='));
-  EXPECT_FALSE(text.contains(L'y'));
-  EXPECT_TRUE(text.startsWith(L"//"));
-  EXPECT_FALSE(text.startsWith(L"//y"));
-  EXPECT_FALSE(String("/").startsWith(L"//"));
-  EXPECT_TRUE(String().startsWith(L""));
+  EXPECT_TRUE(text.contains('='));
+  EXPECT_FALSE(text.contains('y'));
+  EXPECT_TRUE(text.startsWith("//"));
+  EXPECT_FALSE(text.startsWith("//y"));
+  EXPECT_FALSE(String("/").startsWith("//"));
+  EXPECT_TRUE(String().startsWith(""));
 }
 
 TEST(String, TakesNoMoreThanItHas) {
@@ -85,7 +110,7 @@ TEST(String, TrimsBothEnds) {
   EXPECT_EQ(String(" \t\r\n").trim(), "");
   EXPECT_EQ(String().trim(), "");
   EXPECT_EQ(String("\v\fa\u00A0").trim(), "\v\fa\u00A0");
-  EXPECT_EQ(String("xxaxx").trim(L"x"), "a");
+  EXPECT_EQ(String("xxaxx").trim("x"), "a");
 }
 
 TEST(String, ChangesTheCaseOfAsciiAlone) {

@@ -29,7 +29,7 @@ TEST(StringTokenizer, GivesPiecesThatAreNotEmpty) {
   };
 
   for (const Case& row : cases) {
-    StringTokenizer tokens(row.text, L'=');
+    StringTokenizer tokens(row.text, '=');
     EXPECT_EQ(tokens.countTokens(), row.pieces.size()) << row.text;
     std::vector<String> pieces;
     while (tokens.hasMoreTokens()) pieces.push_back(tokens.nextToken());
@@ -39,7 +39,7 @@ TEST(StringTokenizer, GivesPiecesThatAreNotEmpty) {
 }
 
 TEST(StringTokenizer, CountsWhatIsLeft) {
-  StringTokenizer tokens("a/b/c", L'/');
+  StringTokenizer tokens("a/b/c", '/');
 
   tokens.nextToken();
 

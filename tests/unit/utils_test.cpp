@@ -129,10 +129,10 @@ TEST(Utils, EscapesWithinTheLengthOnEntry) {
 }
 
 // The same by insertions one at a time.
-String escapedByInsertion(String text, wchar_t character) {
-  const std::size_t length = text.length();
+std::string escapedByInsertion(std::string text, char character) {
+  const std::size_t length = text.size();
   for (std::size_t i = 0; i < length; ++i) {
-    if (text.charAt(i) == character) text.insert(i++, 1, L'\\');
+    if (text[i] == character) text.insert(i++, 1, '\\');
   }
   return text;
 }
@@ -148,7 +148,7 @@ TEST(Utils, EscapesEveryShortTextAsInsertionsDo) {
       for (const char character : {'\\', '"'}) {
         String text(bytes);
         Utils::addBackslashChars(text, character);
-        ASSERT_EQ(text, escapedByInsertion(String(bytes), character)) << bytes;
+        ASSERT_EQ(text.toBytes(), escapedByInsertion(bytes, character)) << bytes;
       }
     }
   }

@@ -65,7 +65,7 @@ bool BufferedReader::readLine(String& line) {
       break;
     }
   }
-  line = String(std::move(text));
+  line = String(text);
   return true;
 }
 

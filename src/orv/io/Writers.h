@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "orv/Object.h"
@@ -11,21 +13,27 @@
 
 namespace orv::io {
 
-// Encodes text in the default encoding into a buffer and hands it to the stream when the buffer is
-// full or flushed. If a write fails, the buffer is kept, and the next flush tries again. The
-// destructor does not write the buffer: its content is lost.
+// Collects text in the default encoding, UTF-8, and hands it to the stream when the buffer is full
+// or flushed, always in whole characters. If a write fails, the buffer is kept, and the next flush
+// tries again. The destructor does not write the buffer: its content is lost.
 class OutputStreamWriter : public Object {
  public:
   // `bufferSize` in characters, at least 1.
   OutputStreamWriter(Reference<OutputStream> stream, std::size_t bufferSize);
 
   // All throw IoException.
-  void write(const String& text);
-  void write(wchar_t character);
+  void write(std::string_view text) {
+    if (text.size() > capacity_ - used_) text = writeUntilItFits(text);
+    std::memcpy(buffer_.get() + used_, text.data(), text.size());
+    used_ += text.size();
+  }
   void flush();
   void close() { stream_->close(); }
 
  private:
+  // Writes whole characters until the rest fits into the buffer; returns the rest.
+  std::string_view writeUntilItFits(std::string_view text);
+
   Reference<OutputStream> stream_;
   std::size_t capacity_;
   std::size_t used_ = 0;
@@ -40,7 +48,7 @@ class PrintWriter : public Object {
   PrintWriter(Reference<OutputStreamWriter> writer, bool autoFlush)
       : writer_(std::move(writer)), autoFlush_(autoFlush) {}
 
-  void print(const String& text) { writer_->write(text); }
+  void print(const String& text) { writer_->write(text.toBytes()); }
   void println(const String& text = {});
   void flush() { writer_->flush(); }
   void close() { writer_->close(); }
