@@ -1,6 +1,7 @@
 #include "tal/text.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace tal {
 namespace {
@@ -58,9 +59,17 @@ bool isReplaced(std::string_view character) noexcept {
       kReplaced, [&](const Range& range) { return range.first <= point && point <= range.last; });
 }
 
+// How many characters at the start of the text are single bytes that stay as they are.
+std::size_t lengthOfPlain(std::string_view text) noexcept {
+  const auto isPlain = [](char byte) { return byte >= ' ' && byte < '\x7f'; };
+  return static_cast<std::size_t>(std::ranges::find_if_not(text, isPlain) - text.begin());
+}
+
 // `out` may be the start of `text`: writing never overtakes reading.
 std::size_t write(char* out, std::size_t limit, std::string_view text) noexcept {
-  std::size_t length = 0;
+  std::size_t length = std::min(lengthOfPlain(text), limit);
+  std::memmove(out, text.data(), length);
+  text.remove_prefix(length);
   while (!text.empty()) {
     // Nearly every byte is one of these.
     while (length < limit && !text.empty() && isPlain(text.front())) {
