@@ -7,25 +7,43 @@
 #include "orv/Object.h"
 #include "orv/String.h"
 
+// A client's name, which all its handles share.
+struct ClientName : orv::Object {
+  explicit ClientName(orv::String name) : text(std::move(name)) {}
+
+  const orv::String text;
+};
+
 // One handle on an open file. Codes are the engine's.
 struct FileHandleInfo : orv::Object {
-  FileHandleInfo() = default;
+  FileHandleInfo() : FileHandleInfo(0, 0, 0, 0, 0, orv::String()) {}
   // Trap: the record lock type comes before the open mode (deliberate).
   FileHandleInfo(long clientIndexValue, short recordLockTypeCode, short openModeCode,
                  short waitStateCode, int transactionStateCode, orv::String clientNameText)
-      : clientIndex(clientIndexValue),
+      : FileHandleInfo(clientIndexValue, recordLockTypeCode, openModeCode, waitStateCode,
+                       transactionStateCode,
+                       orv::makeReference<ClientName>(std::move(clientNameText))) {}
+  FileHandleInfo(long clientIndexValue, short recordLockTypeCode, short openModeCode,
+                 short waitStateCode, int transactionStateCode,
+                 orv::Reference<ClientName> sharedName)
+      : transactionState(transactionStateCode),
+        clientIndex(clientIndexValue),
         openMode(openModeCode),
         recordLockType(recordLockTypeCode),
         waitState(waitStateCode),
-        transactionState(transactionStateCode),
-        clientName(std::move(clientNameText)) {}
+        clientName_(std::move(sharedName)) {}
 
-  long clientIndex = 0;
-  short openMode = 0;
-  short recordLockType = 0;
-  short waitState = 0;
-  int transactionState = 0;
-  orv::String clientName;
+  [[nodiscard]] const orv::String& clientName() const noexcept { return clientName_->text; }
+
+  // Very many are held at a time: this order leaves no holes between the fields.
+  int transactionState;
+  long clientIndex;
+  short openMode;
+  short recordLockType;
+  short waitState;
+
+ private:
+  orv::Reference<ClientName> clientName_;  // never null
 };
 
 // One open file. The list of handles is empty if handle detail was not requested.

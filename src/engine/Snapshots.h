@@ -26,6 +26,10 @@ class SnapshotRelease {
 
 // The text of a fixed field: up to its NUL, or up to the end of the field if there is no NUL.
 template <std::size_t kSize>
+[[nodiscard]] std::string_view fieldBytes(const char (&field)[kSize]) noexcept {
+  return {field, strnlen(field, kSize)};
+}
+template <std::size_t kSize>
 [[nodiscard]] orv::String fieldText(const char (&field)[kSize]) {
-  return orv::String(std::string_view(field, strnlen(field, kSize)));
+  return orv::String(fieldBytes(field));
 }

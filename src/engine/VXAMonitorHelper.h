@@ -69,8 +69,11 @@ class VXAMonitorHelper {
   void check(std::int16_t status) const;
   void stop();
 
+  class ClientNames;
+
   // Null if the file was closed meanwhile or, with handle detail, has no handles.
-  orv::Reference<FileInfo> readFile(const char* name, bool withHandles);
+  orv::Reference<FileInfo> readFile(const char* name, bool withHandles, ClientNames& names);
+  orv::Reference<FileInfo::Handles> readHandles(const orv::String& fileName, ClientNames& names);
   // Null if the client went away meanwhile or, with handle detail, has no handles.
   orv::Reference<SessionInfo> readSession(const tagTALCLIENTID& client, bool withHandles);
 

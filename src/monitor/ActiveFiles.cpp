@@ -91,7 +91,7 @@ void MonitorProcessor::processActiveFileHDLInfo(const FileHandleInfo& handle, bo
   const orv::String transactionState = getTransStateString(handle.transactionState);
   if (json) {
     put("\t\t\t\t\t\t\"client_index\": " + clientIndex + ",");
-    put("\t\t\t\t\t\t\"client_name\": \"" + handle.clientName + "\",");
+    put("\t\t\t\t\t\t\"client_name\": \"" + handle.clientName() + "\",");
     put("\t\t\t\t\t\t\"open_mode\": [ " + openMode + " ],");
     put("\t\t\t\t\t\t\"record_lock_type\": \"" + recordLockType + "\",");
     put("\t\t\t\t\t\t\"wait_state\": \"" + waitState + "\",");
@@ -99,7 +99,7 @@ void MonitorProcessor::processActiveFileHDLInfo(const FileHandleInfo& handle, bo
     put("\t\t\t\t\t\t\"transaction_state\" :\"" + transactionState + "\"");
   } else {
     put(label<19>("Client Index:      ") + clientIndex, 3);
-    put(label<19>("Client Name:       ") + handle.clientName, 3);
+    put(label<19>("Client Name:       ") + handle.clientName(), 3);
     put(label<19>("Open Mode:         ") + openMode, 3);
     put(label<19>("Record Lock Type:  ") + recordLockType, 3);
     put(label<19>("Wait State:        ") + waitState, 3);

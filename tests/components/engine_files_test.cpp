@@ -201,7 +201,7 @@ TEST_F(EngineFiles, HandlesKeepEachCodeInItsPlace) {
   EXPECT_EQ(handle.recordLockType, 77);
   EXPECT_EQ(handle.waitState, 2);
   EXPECT_EQ(handle.transactionState, 65535);
-  EXPECT_EQ(handle.clientName.toBytes(), std::string(70, 'c')) << "the field's end, not beyond";
+  EXPECT_EQ(handle.clientName().toBytes(), std::string(70, 'c')) << "the field's end, not beyond";
 }
 
 TEST(FileHandleInfo, IsMadeWithTheLockTypeBeforeTheOpenMode) {
@@ -213,7 +213,7 @@ TEST(FileHandleInfo, IsMadeWithTheLockTypeBeforeTheOpenMode) {
   EXPECT_EQ(handle->openMode, 254);
   EXPECT_EQ(handle->waitState, 2);
   EXPECT_EQ(handle->transactionState, 19);
-  EXPECT_EQ(handle->clientName, "client");
+  EXPECT_EQ(handle->clientName(), "client");
 }
 
 TEST(FileInfo, IsMadeInTheOrderOfItsFields) {
