@@ -9,6 +9,10 @@
 namespace companions::record {
 namespace {
 
+std::string replaced(std::string text, const std::string& part, const std::string& by) {
+  return text.replace(text.find(part), part.size(), by);
+}
+
 TEST_F(Recording, GoesToStandardOutputOrIntoAFileOfTheOwner) {
   const Result result = testing_support::run(recorder({"-n", "2"}));
   record({"-n", "2", "-o", "r"});
@@ -24,6 +28,21 @@ TEST_F(Recording, GoesToStandardOutputOrIntoAFileOfTheOwner) {
     EXPECT_EQ(moments[1]["file"][0]["name"], "orders");
   }
   EXPECT_EQ(std::filesystem::status(folder_ / "r").permissions(), std::filesystem::perms(0600));
+}
+
+TEST_F(Recording, HasTheIntervalOfTheConfigurationOrTenSeconds) {
+  Command command = recorder({"-n", "1", "-o", "r"});
+  std::erase(command.arguments, "-i");
+  std::erase(command.arguments, "0.1");
+  for (const auto& [rate, interval] : {
+           std::pair{"7", 7'000'000 },
+           std::pair{"",  10'000'000}
+  }) {
+    writeFile(folder_ / "r.cfg", replaced(file("r.cfg"), "REFR=", std::string("REFR=") + rate));
+    EXPECT_EQ(testing_support::run(command).ending, Ending::exit(0));
+    EXPECT_EQ(moments("r").back()["interval_us"], interval);
+    configure("sim:s.toml");
+  }
 }
 
 TEST_F(Recording, LeavesOutWhatTheConfigurationSwitchesOff) {
