@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/program/program_under_test.h"
 #include "tests/recording/recorder_under_test.h"
 
 namespace companions::record {
@@ -75,6 +76,53 @@ TEST_F(TroubledRecording, GoesOnWhenTheFullDiskHasRoomAgain) {
       "zelk-record: disk/r: No space left on device; recording pauses until there is room\n"
       "zelk-record: recording again\n"))
       << process.error();
+}
+
+// Whatever engine library is there is asked for each list once.
+TEST_F(TroubledRecording, AsksTheLibraryThatIsPreloaded) {
+  serve(
+      "file = [{ name = \"orders\", handle = [{ client = \"anna\" }] }, { name = \"idle\" }]\n"
+      "client = [{ id = \"anna\", handle = [{ file = \"orders\" }] }, { id = \"ben\" }]\n"
+      "sql_connection = [{}]\n");
+  Command command = recorder({"-n", "1", "-o", "r"});
+  command.environment["LD_PRELOAD"] = program_tests::fakeEngine();
+  command.environment["FAKE_SCENARIO"] = folder_ / "s.toml";
+  command.environment["FAKE_TRACE"] = folder_ / "trace";
+
+  const Result result = testing_support::run(command);
+
+  EXPECT_EQ(result.ending, Ending::exit(0)) << result.error;
+  EXPECT_EQ(moments("r").at(0)["file"][0]["handle"][0]["client"], "anna");
+  EXPECT_EQ(file("trace"), R"(TalStart(null)
+TalConnectServer(sim:s.toml, , )
+TalGetEngineInformation(1)
+TalGetZorbVersion(1)
+TalGetOpenFilesData(1)
+TalGetOpenFileName(1, 0)
+TalGetFileInfo2(1, orders)
+TalGetFileHandlesData(1, orders)
+TalGetFileHandleInfo(1, orders, 0)
+TalGetOpenFileName(1, 1)
+TalGetFileInfo2(1, idle)
+TalGetFileHandlesData(1, idle)
+TalFreeOpenFilesData(1)
+TalGetZorbClientsData(1)
+TalGetZorbClientId(1, 0)
+TalGetZorbClientInfo(1, anna/0/0)
+TalGetZorbClientHandlesData(1, anna/0/0)
+TalGetZorbClientHandleInfo(1, anna/0/0, 0)
+TalGetZorbClientId(1, 1)
+TalGetZorbClientInfo(1, ben/0/0)
+TalGetZorbClientHandlesData(1, ben/0/0)
+TalFreeZorbClientsData(1)
+TalGetSQLConnectionsData(1)
+TalGetSQLConnectionInfo2(1, 0)
+TalFreeSQLConnectionsData(1)
+TalGetZorbUsageEx2(1)
+TalGetZorbCommStatEx(1)
+TalDisconnect(1)
+TalStop(null)
+)");
 }
 
 // A disk far away says so when it is waited for.
