@@ -32,7 +32,7 @@ constexpr Mode kModes[] = {
     {"verify-full", Encryption::kName      },
 };
 
-std::string_view variable(const char* name) {
+std::string variable(const char* name) {
   const char* const value = ::getenv(name);
   return value != nullptr ? value : "";
 }
@@ -71,24 +71,29 @@ Parameters chosenParameters(const Target& target) {
   };
 }
 
-std::string fallback(const PQconninfoOption& option, const Target& target) {
-  const std::string_view wish = variable(option.envvar);
-  if (!wish.empty() && std::ranges::find(kHonoured, option.keyword) != std::end(kHonoured)) {
-    return std::string(wish);
-  }
-  if (target.scramOnly && std::string_view(option.keyword) == "require_auth") return kScramOnly;
+// What a parameter is to be in place of its variable.
+std::string fallback(const PQconninfoOption& option) {
+  const std::string_view keyword = option.keyword;
+  if (std::ranges::find(kHonoured, keyword) != std::end(kHonoured)) return variable(option.envvar);
+  if (keyword == "sslcertmode") return "allow";  // its default, for which nothing does not stand
   return option.compiled != nullptr ? option.compiled : "";
 }
 
-// Adds every parameter that has an environment variable. The service is left out, because even an
+// Adds every parameter whose environment variable is set. The service is left out, because even an
 // empty one makes every connection fail.
 void addDefaults(Parameters& parameters, const Target& target) {
   const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> defaults(PQconndefaults(),
                                                                               &PQconninfoFree);
   if (!defaults) throw std::bad_alloc();
   for (const PQconninfoOption* option = defaults.get(); option->keyword != nullptr; ++option) {
-    if (option->envvar == nullptr || std::string_view(option->keyword) == "service") continue;
-    parameters.try_emplace(option->keyword, fallback(*option, target));
+    const std::string_view keyword = option->keyword;
+    if (option->envvar == nullptr || keyword == "service") continue;
+    const bool isFree = variable(option->envvar).empty();
+    if (keyword == "require_auth" && target.scramOnly && isFree) {
+      parameters.try_emplace(option->keyword, kScramOnly);
+    } else if (::getenv(option->envvar) != nullptr) {
+      parameters.try_emplace(option->keyword, fallback(*option));
+    }
   }
 }
 
@@ -125,8 +130,8 @@ Encryption encryptionWished(Encryption least) {
 bool bindingWished() { return variable("PGCHANNELBINDING") == "require"; }
 
 bool hasRootCertificate() {
-  const std::string wished(variable("PGSSLROOTCERT"));
-  const std::string home(variable("HOME"));
+  const std::string wished = variable("PGSSLROOTCERT");
+  const std::string home = variable("HOME");
   const std::string path = wished.empty() ? home + "/.postgresql/root.crt" : wished;
   return wished == "system" || ::access(path.c_str(), F_OK) == 0;
 }

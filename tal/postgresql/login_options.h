@@ -50,11 +50,11 @@ struct Target {
 };
 
 // The connection string for a target, without the password. It names every parameter that the
-// client library would otherwise take from an environment variable, empty ones too (which only this
-// form can do), so that a monitor behaves the same wherever it is started. Variables that can only
-// request more security are still used: PGREQUIREPEER, PGREQUIREAUTH, PGSSLROOTCERT, PGSSLCRL,
-// PGSSLCRLDIR, PGSSLMINPROTOCOLVERSION. A client library of version 16 or later itself refuses a
-// server that asks for a password in another way than `target` allows.
+// client library would otherwise take from an environment variable that is set, also with an empty
+// value (which only this form can do), so that a monitor behaves the same wherever it is started.
+// Variables that can only request more security are still used: PGREQUIREPEER, PGREQUIREAUTH,
+// PGSSLROOTCERT, PGSSLCRL, PGSSLCRLDIR, PGSSLMINPROTOCOLVERSION. A client library of version 16 or
+// later itself refuses a server that asks for a password in another way than `target` allows.
 std::string connectionString(const Target& target);
 
 // Begins a login to `target` with these parameters and its password.
