@@ -1,7 +1,7 @@
 #include "tal/mariadb/data_files.h"
 
+#include <map>
 #include <string_view>
-#include <unordered_map>
 
 namespace tal::mariadb {
 namespace {
@@ -55,7 +55,7 @@ std::string_view partOf(std::string_view path) { return path.substr(0, path.rfin
 
 std::vector<DataFile> readDataFiles(sql::RowSource& rows, const ServerFacts& facts) {
   std::vector<DataFile> files;
-  std::unordered_map<std::string, std::size_t> indexes;
+  std::map<std::string, std::size_t> indexes;
   while (rows.next()) {
     const bool isTablespace = rows.cell(kPart) == kTablespace;
     const auto [known, isNew] = indexes.try_emplace(sql::text(rows, kPath), files.size());
@@ -69,7 +69,6 @@ std::vector<DataFile> readDataFiles(sql::RowSource& rows, const ServerFacts& fac
 }
 
 TableFiles::TableFiles(const std::vector<DataFile>& files) : files_(files) {
-  tables_.reserve(files.size());
   for (std::size_t i = 0; i < files.size(); ++i) add(i);
 }
 

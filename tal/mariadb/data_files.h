@@ -4,9 +4,9 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "tal/mariadb/connection.h"
@@ -50,18 +50,11 @@ class TableFiles {
   [[nodiscard]] const DataFile& file(std::size_t index) const { return files_[index]; }
 
  private:
-  struct Hash {
-    std::size_t operator()(const TableName& name) const noexcept {
-      const std::hash<std::string> hash;
-      return hash(name.schema) * 31 + hash(name.table);
-    }
-  };
-
   void add(std::size_t index);
 
   const std::vector<DataFile>& files_;
-  std::unordered_map<TableName, std::vector<std::size_t>, Hash> tables_;
-  std::unordered_map<std::int64_t, std::size_t> spaces_;
+  std::map<TableName, std::vector<std::size_t>> tables_;
+  std::map<std::int64_t, std::size_t> spaces_;
 };
 
 }  // namespace tal::mariadb

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
+#include <map>
 #include <utility>
 
 #include "tal/engine.h"
@@ -72,7 +72,7 @@ ConnectionFacts connectionOf(const sql::RowSource& row) {
 
 // The value at `key`, or a default value.
 template <typename Value>
-Value valueAt(const std::unordered_map<std::int64_t, Value>& values, std::int64_t key) {
+Value valueAt(const std::map<std::int64_t, Value>& values, std::int64_t key) {
   const auto found = values.find(key);
   return found == values.end() ? Value{} : found->second;
 }
@@ -123,10 +123,10 @@ class Joiner {
   }
 
   std::vector<ConnectionFacts> connections_;
-  std::unordered_map<std::int64_t, ThreadFacts> facts_;     // by thread
-  std::unordered_map<std::int64_t, std::int64_t> threads_;  // these by connection
-  std::unordered_map<std::int64_t, ClientWords> words_;
-  std::unordered_map<std::int64_t, std::optional<std::int64_t>> rowsLocked_;
+  std::map<std::int64_t, ThreadFacts> facts_;     // by thread
+  std::map<std::int64_t, std::int64_t> threads_;  // these by connection
+  std::map<std::int64_t, ClientWords> words_;
+  std::map<std::int64_t, std::optional<std::int64_t>> rowsLocked_;
 };
 
 }  // namespace

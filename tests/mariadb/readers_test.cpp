@@ -1,7 +1,11 @@
 // Rows of the other statements, sane and hostile, decoded without a server.
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <limits>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tal/mariadb/data_files.h"
 #include "tal/mariadb/read_clients.h"
@@ -12,6 +16,7 @@
 namespace tal::mariadb {
 namespace {
 
+using testing_support::Cell;
 using testing_support::Table;
 
 constexpr std::uint32_t kLargest = std::numeric_limits<std::uint32_t>::max();
@@ -162,6 +167,25 @@ std::string text(const SqlConnection& row) {
   return row.clientHost + "|" + row.dataSource + "|" + row.application + "|" + row.networkAddress +
          "|" + row.userName + "|" + std::to_string(row.status) + "|" +
          std::to_string(row.periodMs) + "|" + std::to_string(row.totalTime);
+}
+
+std::clock_t timeToRead(long distance) {
+  constexpr long kRows = 30000;
+  std::vector<std::vector<Cell>> transactions;
+  for (long i = 0; i < kRows; ++i) {
+    transactions.push_back({"transaction", std::to_string(i * distance)});
+  }
+  Table rows(std::move(transactions));
+  const std::clock_t begin = std::clock();
+  readClients(rows);
+  return std::clock() - begin;
+}
+
+// Of a hash table with so many entries, these numbers would all be in one place.
+TEST(ClientsTest, NumbersThatAServerChoosesDoNotSlowTheReading) {
+  constexpr long kPlaces = 42043;
+  timeToRead(1);
+  EXPECT_LT(timeToRead(kPlaces), 20 * timeToRead(1));
 }
 
 TEST(SqlConnectionsTest, PartsMeetByThreadAndConnection) {
