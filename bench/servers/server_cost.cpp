@@ -6,12 +6,10 @@
 #include <sys/resource.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <exception>
 #include <map>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "bench/configuration.h"
@@ -163,7 +161,8 @@ class Bench {
   }
 
  private:
-  // Of one core, for reports with all sections and handles, login included.
+  // Of one core, for reports with all sections and handles; what the server does without zelk is
+  // part of it.
   double serverPercent() {
     const std::string configuration = configurationFile({
         {"FILE", "YES"                          },
@@ -174,17 +173,10 @@ class Bench {
         {"REFR", std::to_string(kSmallestRate)  },
         {"LIMI", std::to_string(kTimedRefreshes)}
     });
-    const double idle = serverCpuWhile(
-        [] { std::this_thread::sleep_for(std::chrono::seconds(kSmallestRate * kTimedRefreshes)); });
-    const double watched = serverCpuWhile([&] { cpuSecondsOf({zelk_, "-f", configuration}); });
-    return std::max(watched - idle, 0.0) / (kSmallestRate * kTimedRefreshes) * 100;
-  }
-
-  template <typename Action>
-  double serverCpuWhile(const Action& action) const {
     const double before = bench::serverCpuSeconds(process_);
-    action();
-    return bench::serverCpuSeconds(process_) - before;
+    cpuSecondsOf({zelk_, "-f", configuration});
+    const double used = bench::serverCpuSeconds(process_) - before;
+    return used / (kSmallestRate * kTimedRefreshes) * 100;
   }
 
   [[nodiscard]] std::string configurationFile(std::map<std::string, std::string> values) const {
