@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <thread>
 
-#include "tal/sql/wait.h"
+#include "tal/sql/deadline.h"
 
 namespace tal::mariadb {
 namespace {

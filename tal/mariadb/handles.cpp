@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include "tal/sql/numbers.h"
+#include "tal/sql/figures.h"
 
 namespace tal::mariadb {
 namespace {

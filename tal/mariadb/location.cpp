@@ -2,7 +2,6 @@
 
 #include <sys/un.h>
 
-#include "tal/sql/explained_failure.h"
 #include "tal/sql/message.h"
 #include "tal/status.h"
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "tal/mariadb/login_attempt.h"
-#include "tal/sql/first_reachable.h"
-#include "tal/sql/resolve.h"
+#include "tal/sql/address.h"
+#include "tal/sql/login.h"
 #include "tal/status.h"
 
 namespace tal::mariadb {

@@ -14,9 +14,8 @@
 
 #include "tal/mariadb/errors.h"
 #include "tal/mariadb/greeting.h"
-#include "tal/sql/explained_failure.h"
+#include "tal/sql/deadline.h"
 #include "tal/sql/message.h"
-#include "tal/sql/wait.h"
 #include "tal/status.h"
 
 namespace tal::mariadb {

@@ -2,11 +2,10 @@
 #pragma once
 
 #include "tal/credentials.h"
+#include "tal/mariadb/connection.h"
 #include "tal/mariadb/location.h"
 #include "tal/mariadb/login_options.h"
-#include "tal/mariadb/result.h"
 #include "tal/sql/deadline.h"
-#include "tal/sql/socket_cutter.h"
 
 namespace tal::mariadb {
 

@@ -10,16 +10,14 @@
 #include "tal/mariadb/handles.h"
 #include "tal/mariadb/login.h"
 #include "tal/mariadb/option_files.h"
-#include "tal/mariadb/read_clients.h"
-#include "tal/mariadb/read_communication.h"
+#include "tal/mariadb/read_figures.h"
+#include "tal/mariadb/read_lists.h"
 #include "tal/mariadb/read_locks.h"
-#include "tal/mariadb/read_sql_connections.h"
-#include "tal/mariadb/read_usage.h"
 #include "tal/mariadb/statements.h"
 #include "tal/sql/bounded_engine.h"
-#include "tal/sql/handle_limit.h"
+#include "tal/sql/limits.h"
+#include "tal/sql/login.h"
 #include "tal/sql/message.h"
-#include "tal/sql/system_user.h"
 
 namespace tal::mariadb {
 namespace {

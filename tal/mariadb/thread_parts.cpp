@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "tal/engine.h"
-#include "tal/sql/numbers.h"
+#include "tal/sql/figures.h"
 
 namespace tal::mariadb {
 namespace {

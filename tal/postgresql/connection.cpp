@@ -4,8 +4,8 @@
 
 #include "tal/postgresql/answer_limit.h"
 #include "tal/postgresql/errors.h"
+#include "tal/sql/deadline.h"
 #include "tal/sql/limits.h"
-#include "tal/sql/wait.h"
 #include "tal/status.h"
 
 namespace tal::postgresql {
@@ -112,5 +112,17 @@ Status Connection::reasonOf(const PGresult* result) const {
   const char* const sqlState = PQresultErrorField(result, PG_DIAG_SQLSTATE);
   return statusOf(sqlState != nullptr ? sqlState : "");
 }
+
+bool Result::next() { return ++row_ < PQntuples(result_.get()); }
+
+std::optional<std::string_view> Result::cell(std::size_t column) const {
+  const auto count = static_cast<std::size_t>(PQnfields(result_.get()));
+  const int number = static_cast<int>(column);
+  if (column >= count || PQgetisnull(result_.get(), row_, number) == 1) return {};
+  return std::string_view(PQgetvalue(result_.get(), row_, number),
+                          static_cast<std::size_t>(PQgetlength(result_.get(), row_, number)));
+}
+
+bool isTrue(const sql::RowSource& row, std::size_t column) { return row.cell(column) == "t"; }
 
 }  // namespace tal::postgresql

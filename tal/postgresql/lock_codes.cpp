@@ -1,7 +1,7 @@
 #include "tal/postgresql/lock_codes.h"
 
 #include "tal/engine.h"
-#include "tal/postgresql/result.h"
+#include "tal/postgresql/connection.h"
 
 namespace tal::postgresql {
 

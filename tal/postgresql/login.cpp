@@ -7,9 +7,8 @@
 #include "tal/postgresql/login_attempt.h"
 #include "tal/postgresql/login_options.h"
 #include "tal/postgresql/login_rules.h"
-#include "tal/sql/first_reachable.h"
-#include "tal/sql/resolve.h"
-#include "tal/sql/system_user.h"
+#include "tal/sql/address.h"
+#include "tal/sql/login.h"
 #include "tal/status.h"
 
 namespace tal::postgresql {

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "tal/credentials.h"
+#include "tal/postgresql/connection.h"
 #include "tal/postgresql/location.h"
-#include "tal/postgresql/result.h"
 #include "tal/sql/deadline.h"
-#include "tal/sql/socket_cutter.h"
 
 namespace tal::postgresql {
 

@@ -15,8 +15,8 @@
 #include "tal/postgresql/answer_limit.h"
 #include "tal/postgresql/errors.h"
 #include "tal/postgresql/login_gate.h"
-#include "tal/sql/explained_failure.h"
-#include "tal/sql/wait.h"
+#include "tal/sql/deadline.h"
+#include "tal/sql/message.h"
 #include "tal/status.h"
 #include "tal/text.h"
 

@@ -3,10 +3,9 @@
 
 #include <optional>
 
+#include "tal/postgresql/connection.h"
 #include "tal/postgresql/login_options.h"
-#include "tal/postgresql/result.h"
 #include "tal/sql/deadline.h"
-#include "tal/sql/socket_cutter.h"
 
 namespace tal::postgresql {
 

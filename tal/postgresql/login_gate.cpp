@@ -12,7 +12,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "tal/sql/wait.h"
+#include "tal/sql/deadline.h"
 #include "tal/status.h"
 
 namespace tal::postgresql {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "tal/credentials.h"
-#include "tal/postgresql/result.h"
+#include "tal/postgresql/connection.h"
 
 namespace tal::postgresql {
 

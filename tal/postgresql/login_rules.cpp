@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <sstream>
 
-#include "tal/sql/resolve.h"
+#include "tal/sql/address.h"
 
 namespace tal::postgresql {
 namespace {

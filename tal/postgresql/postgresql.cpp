@@ -4,15 +4,12 @@
 #include "tal/postgresql/location.h"
 #include "tal/postgresql/login.h"
 #include "tal/postgresql/login_options.h"
-#include "tal/postgresql/read_clients.h"
-#include "tal/postgresql/read_communication.h"
-#include "tal/postgresql/read_files.h"
-#include "tal/postgresql/read_sql_connections.h"
-#include "tal/postgresql/read_usage.h"
+#include "tal/postgresql/read_figures.h"
+#include "tal/postgresql/read_lists.h"
 #include "tal/postgresql/statements.h"
 #include "tal/sql/bounded_engine.h"
 #include "tal/sql/deadline.h"
-#include "tal/sql/explained_failure.h"
+#include "tal/sql/message.h"
 #include "tal/status.h"
 
 namespace tal::postgresql {

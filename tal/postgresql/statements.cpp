@@ -2,11 +2,8 @@
 
 #include <string_view>
 
-#include "tal/postgresql/read_clients.h"
-#include "tal/postgresql/read_communication.h"
-#include "tal/postgresql/read_files.h"
-#include "tal/postgresql/read_sql_connections.h"
-#include "tal/postgresql/read_usage.h"
+#include "tal/postgresql/read_figures.h"
+#include "tal/postgresql/read_lists.h"
 
 namespace tal::postgresql {
 namespace {

@@ -4,7 +4,6 @@
 #include <type_traits>
 #include <utility>
 
-#include "tal/sql/explained_failure.h"
 #include "tal/sql/message.h"
 #include "tal/sql/worker.h"
 #include "tal/status.h"

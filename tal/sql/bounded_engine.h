@@ -7,7 +7,6 @@
 
 #include "tal/engine.h"
 #include "tal/sql/deadline.h"
-#include "tal/sql/socket_cutter.h"
 
 namespace tal::sql {
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <mutex>
 
 namespace tal::sql {
 
@@ -32,6 +33,34 @@ class Deadline {
 
  private:
   Clock::time_point end_;
+};
+
+// Waits until `socket` is ready for one of `events` (POLLIN, POLLOUT as poll() takes them) and
+// returns those it is ready for; an error on the socket counts as ready, because the next read says
+// more about it. Signals do not end the wait. Throws Failure(kNoAnswer) when `deadline` passes, and
+// at once when it has passed, ready or not.
+short waitForSocket(int socket, short events, const Deadline& deadline);
+
+// Shuts a socket down from another thread. A function that waits for the socket then returns with
+// an error.
+class SocketCutter {
+ public:
+  SocketCutter() = default;
+  SocketCutter(const SocketCutter&) = delete;
+  SocketCutter& operator=(const SocketCutter&) = delete;
+  ~SocketCutter();
+
+  // Names the socket, in place of an earlier one; -1 names none. The caller may close it at any
+  // time, because this object keeps a duplicate and closes it at its end.
+  void watch(int socket) noexcept;
+
+  // Shuts down the socket, and each one that is named later.
+  void cut() noexcept;
+
+ private:
+  std::mutex mutex_;
+  int duplicate_ = -1;
+  bool isCut_ = false;
 };
 
 }  // namespace tal::sql

@@ -3,6 +3,9 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "tal/status.h"
 
 namespace tal::sql {
 
@@ -14,5 +17,19 @@ std::string message(std::string_view name);
 // Writes one line to standard error, without characters that control a terminal. Writes nothing if
 // that is the same file or pipe as standard output, which may hold a report.
 void tell(std::string line);
+
+// A failure that a status alone does not explain. The explanation has facts that only the engine
+// knows: the host and port that were tried, and the reason of the system. It goes to standard error
+// as one line, before the text of the status, so it must not have control characters.
+class ExplainedFailure : public Failure {
+ public:
+  ExplainedFailure(Status status, std::string explanation)
+      : Failure(status), explanation_(std::move(explanation)) {}
+
+  [[nodiscard]] const std::string& explanation() const noexcept { return explanation_; }
+
+ private:
+  std::string explanation_;
+};
 
 }  // namespace tal::sql

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <limits>
 
-#include "tal/sql/numbers.h"
+#include "tal/sql/figures.h"
 #include "tal/status.h"
 
 namespace tal::sql {

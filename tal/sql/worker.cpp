@@ -8,8 +8,6 @@
 #include <cstdio>
 #include <mutex>
 
-#include "tal/sql/signals_blocked.h"
-
 namespace tal::sql {
 namespace {
 

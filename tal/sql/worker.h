@@ -1,6 +1,8 @@
 // A thread for work that may have to be left behind.
 #pragma once
 
+#include <signal.h>
+
 #include <chrono>
 #include <functional>
 #include <future>
@@ -10,6 +12,23 @@
 #include <utility>
 
 namespace tal::sql {
+
+// Keeps signals away from threads that are started while it exists: the program handles them. The
+// destructor restores the mask of the calling thread.
+class SignalsBlocked {
+ public:
+  SignalsBlocked() {
+    sigset_t all;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  SignalsBlocked(const SignalsBlocked&) = delete;
+  SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+  ~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_{};
+};
 
 // One thread, which sleeps between jobs and gets no signals. A job that does not end in time is
 // left behind with its thread. It ends when it can, and must own everything that it uses. If the

@@ -6,11 +6,9 @@
 #include "tal/mariadb/data_files.h"
 #include "tal/mariadb/greeting.h"
 #include "tal/mariadb/handles.h"
-#include "tal/mariadb/read_clients.h"
-#include "tal/mariadb/read_communication.h"
+#include "tal/mariadb/read_figures.h"
+#include "tal/mariadb/read_lists.h"
 #include "tal/mariadb/read_locks.h"
-#include "tal/mariadb/read_sql_connections.h"
-#include "tal/mariadb/read_usage.h"
 #include "tests/fuzz/served.h"
 #include "tests/fuzz/table.h"
 

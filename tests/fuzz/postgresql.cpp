@@ -1,9 +1,6 @@
 // Rows of a PostgreSQL server, the same ones for every statement.
-#include "tal/postgresql/read_clients.h"
-#include "tal/postgresql/read_communication.h"
-#include "tal/postgresql/read_files.h"
-#include "tal/postgresql/read_sql_connections.h"
-#include "tal/postgresql/read_usage.h"
+#include "tal/postgresql/read_figures.h"
+#include "tal/postgresql/read_lists.h"
 #include "tests/fuzz/served.h"
 #include "tests/fuzz/table.h"
 

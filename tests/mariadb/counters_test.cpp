@@ -3,8 +3,7 @@
 
 #include <limits>
 
-#include "tal/mariadb/read_communication.h"
-#include "tal/mariadb/read_usage.h"
+#include "tal/mariadb/read_figures.h"
 #include "tal/status.h"
 #include "tests/sql/table.h"
 

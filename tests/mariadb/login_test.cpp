@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "tal/sql/system_user.h"
+#include "tal/sql/login.h"
 #include "tests/mariadb/greetings.h"
 #include "tests/mariadb/server_test.h"
 #include "tests/sql/fake_host.h"

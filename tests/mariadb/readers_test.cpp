@@ -8,8 +8,7 @@
 #include <vector>
 
 #include "tal/mariadb/data_files.h"
-#include "tal/mariadb/read_clients.h"
-#include "tal/mariadb/read_sql_connections.h"
+#include "tal/mariadb/read_lists.h"
 #include "tal/mariadb/thread_parts.h"
 #include "tests/sql/table.h"
 

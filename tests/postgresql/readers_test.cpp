@@ -6,11 +6,8 @@
 #include <vector>
 
 #include "tal/postgresql/lock_codes.h"
-#include "tal/postgresql/read_clients.h"
-#include "tal/postgresql/read_communication.h"
-#include "tal/postgresql/read_files.h"
-#include "tal/postgresql/read_sql_connections.h"
-#include "tal/postgresql/read_usage.h"
+#include "tal/postgresql/read_figures.h"
+#include "tal/postgresql/read_lists.h"
 #include "tal/status.h"
 #include "tests/sql/table.h"
 

@@ -9,7 +9,7 @@
 #include <future>
 #include <string>
 
-#include "tal/sql/explained_failure.h"
+#include "tal/sql/message.h"
 #include "tal/status.h"
 #include "tests/support/file_descriptor.h"
 

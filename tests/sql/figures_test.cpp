@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "tal/sql/numbers.h"
-#include "tal/sql/peak.h"
+#include "tal/sql/figures.h"
 
 namespace tal::sql {
 namespace {

@@ -1,4 +1,4 @@
-#include "tal/sql/resolve.h"
+#include "tal/sql/address.h"
 
 #include <gtest/gtest.h>
 

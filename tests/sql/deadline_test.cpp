@@ -1,4 +1,4 @@
-#include "tal/sql/wait.h"
+#include "tal/sql/deadline.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// A host with several addresses.
+// What the logins of the engines have in common.
 #pragma once
 
 #include <cstddef>
@@ -29,5 +29,9 @@ auto firstReachable(const std::vector<std::string>& addresses, const Deadline& d
   }
   return connect(addresses.back(), deadline);
 }
+
+// The name of the operating-system user whose rights this process has. Environment and terminal do
+// not matter. Throws Failure(kLoginRefused) if the user has no name.
+std::string systemUser();
 
 }  // namespace tal::sql

@@ -1,8 +1,6 @@
-#include "tal/sql/handle_limit.h"
+#include "tal/sql/limits.h"
 
 #include <gtest/gtest.h>
-
-#include "tal/sql/limits.h"
 
 namespace tal::sql {
 namespace {

@@ -1,6 +1,9 @@
-#include "tal/sql/wait.h"
+#include "tal/sql/deadline.h"
 
+#include <fcntl.h>
 #include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <cerrno>
 
@@ -18,6 +21,23 @@ short waitForSocket(int socket, short events, const Deadline& deadline) {
     if (ready > 0) return (entry.revents & events) != 0 ? entry.revents : events;
     if (ready < 0 && errno != EINTR) throw Failure(Status::kInternalError);
   }
+}
+
+SocketCutter::~SocketCutter() {
+  if (duplicate_ >= 0) ::close(duplicate_);
+}
+
+void SocketCutter::watch(int socket) noexcept {
+  const std::lock_guard lock(mutex_);
+  if (duplicate_ >= 0) ::close(duplicate_);
+  duplicate_ = socket >= 0 ? ::fcntl(socket, F_DUPFD_CLOEXEC, 0) : -1;
+  if (isCut_) ::shutdown(duplicate_, SHUT_RDWR);
+}
+
+void SocketCutter::cut() noexcept {
+  const std::lock_guard lock(mutex_);
+  isCut_ = true;
+  if (duplicate_ >= 0) ::shutdown(duplicate_, SHUT_RDWR);
 }
 
 }  // namespace tal::sql

@@ -1,10 +1,8 @@
-#include "tal/sql/handle_limit.h"
+#include "tal/sql/limits.h"
 
 #include <algorithm>
 #include <map>
 #include <utility>
-
-#include "tal/sql/limits.h"
 
 namespace tal::sql {
 namespace {

@@ -1,9 +1,11 @@
-// Numbers of a server in the 32-bit fields of the interface.
+// The figures of a server in the fields of the interface.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+
+#include "tal/engine.h"
 
 namespace tal::sql {
 
@@ -32,5 +34,19 @@ constexpr std::int64_t saturatingSum(std::int64_t left, std::int64_t right) noex
 constexpr std::uint32_t kilobytes(std::int64_t bytes) noexcept {
   return clampUnsigned(bytes / 1024 + (bytes % 1024 > 0 ? 1 : 0));
 }
+
+// The highest value of one figure since the connection was opened. The first sample is its own
+// peak.
+class Peak {
+ public:
+  // The gauge for a new sample; `maximum` is 0 if there is none.
+  Gauge sample(std::int64_t current, std::int64_t maximum = 0) noexcept {
+    highest_ = std::max(highest_, clampUnsigned(current));
+    return {clampUnsigned(current), highest_, clampMaximum(maximum)};
+  }
+
+ private:
+  std::uint32_t highest_ = 0;
+};
 
 }  // namespace tal::sql

@@ -1,4 +1,4 @@
-#include "tal/sql/system_user.h"
+#include "tal/sql/login.h"
 
 #include <pwd.h>
 #include <unistd.h>

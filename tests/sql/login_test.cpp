@@ -1,4 +1,4 @@
-#include "tal/sql/first_reachable.h"
+#include "tal/sql/login.h"
 
 #include <gtest/gtest.h>
 
