@@ -34,6 +34,16 @@ std::string textOf(const char (&field)[kSize]) {
   return {field, strnlen(field, kSize)};
 }
 
+// An empty list with room for the announced entries, so that it takes no more memory than they
+// need. A library may announce more than it has.
+template <typename Entry>
+std::vector<Entry> listFor(std::uint32_t count) {
+  constexpr std::uint32_t kMostReserved = 65536;
+  std::vector<Entry> list;
+  list.reserve(std::min(count, kMostReserved));
+  return list;
+}
+
 // Releases a snapshot when it goes out of scope.
 class Snapshot {
  public:
@@ -71,12 +81,12 @@ tal::FileHandle handleOf(const TalFileHandleInfo& info) {
 
 // Empty if the file was closed meanwhile: no part of a list is returned.
 std::vector<tal::FileHandle> handlesOfFile(std::int32_t engine, const char* name) {
-  std::vector<tal::FileHandle> handles;
   std::uint32_t count = 0;
   if (!answered("TalGetFileHandlesData", TalGetFileHandlesData(engine, name, &count),
                 TAL_STATUS_FILE_CLOSED)) {
-    return handles;
+    return {};
   }
+  auto handles = listFor<tal::FileHandle>(count);
   for (std::uint32_t index = 0; index < count; ++index) {
     TalFileHandleInfo info{};
     const std::int16_t status = TalGetFileHandleInfo(engine, name, index, &info);
@@ -112,9 +122,9 @@ tal::ClientHandle handleOf(const TalClientHandleInfo& info) {
 // Empty if the client went away meanwhile: no part of a list is returned. A client that is gone
 // before its handles are counted is an error, as it is to zelk (deliberate).
 std::vector<tal::ClientHandle> handlesOfClient(std::int32_t engine, const tagTALCLIENTID& id) {
-  std::vector<tal::ClientHandle> handles;
   std::uint32_t count = 0;
   check("TalGetZorbClientHandlesData", TalGetZorbClientHandlesData(engine, &id, &count));
+  auto handles = listFor<tal::ClientHandle>(count);
   for (std::uint32_t index = 0; index < count; ++index) {
     TalClientHandleInfo info{};
     const std::int16_t status = TalGetZorbClientHandleInfo(engine, &id, index, &info);
@@ -246,7 +256,7 @@ std::vector<tal::OpenFile> EngineConnection::files() const {
   std::uint32_t count = 0;
   check("TalGetOpenFilesData", TalGetOpenFilesData(handle_, &count));
   const Snapshot snapshot(TalFreeOpenFilesData, handle_);
-  std::vector<tal::OpenFile> files;
+  auto files = listFor<tal::OpenFile>(count);
   for (std::uint32_t index = 0; index < count; ++index) {
     // One byte more than the library knows of, so that a name that fills its buffer still ends with
     // a NUL.
@@ -266,7 +276,7 @@ std::vector<tal::Client> EngineConnection::clients() const {
   std::uint32_t count = 0;
   check("TalGetZorbClientsData", TalGetZorbClientsData(handle_, &count));
   const Snapshot snapshot(TalFreeZorbClientsData, handle_);
-  std::vector<tal::Client> clients;
+  auto clients = listFor<tal::Client>(count);
   for (std::uint32_t index = 0; index < count; ++index) {
     tagTALCLIENTID id{};
     if (!answered("TalGetZorbClientId", TalGetZorbClientId(handle_, index, &id),
@@ -282,7 +292,7 @@ std::vector<tal::SqlConnection> EngineConnection::sqlConnections() const {
   std::uint32_t count = 0;
   check("TalGetSQLConnectionsData", TalGetSQLConnectionsData(handle_, &count));
   const Snapshot snapshot(TalFreeSQLConnectionsData, handle_);
-  std::vector<tal::SqlConnection> connections;
+  auto connections = listFor<tal::SqlConnection>(count);
   for (std::uint32_t index = 0; index < count; ++index) {
     TalSqlConnectionInfo info{};
     if (!answered("TalGetSQLConnectionInfo2", TalGetSQLConnectionInfo2(handle_, index, &info),
