@@ -93,7 +93,7 @@ void Recorder::collect(Moment& moment) {
   } catch (const CallFailure& failure) {
     hasEnded_ = failure.status() == kRecordingEnds;
     moment.error = {failure.call(), failure.status(), failure.text()};
-    if (!isReplay_) lose();
+    if (!isReplay_ || !engine_) lose();
   }
 }
 

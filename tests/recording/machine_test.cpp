@@ -31,6 +31,17 @@ class TroubledRecording : public Recording {
     return command;
   }
 
+  // Waits for the pause; false if this machine lets nobody mount a disk.
+  static bool isPaused(Process& process) {
+    process.waitUntil([&] { return !process.error().empty(); }, "a pause");
+    return !process.error().starts_with("unshare:") && !process.error().starts_with("mount:");
+  }
+
+  // The small disk of a recorder, as others see it.
+  static std::filesystem::path diskOf(const Process& process) {
+    return "/proc/" + std::to_string(process.id()) + "/cwd/disk";
+  }
+
   [[nodiscard]] Command onOddMachine(std::vector<std::string> arguments) const {
     Command command = recorder(std::move(arguments));
     command.environment["LD_PRELOAD"] = ODD_MACHINE_LIBRARY;
@@ -53,14 +64,10 @@ bool contains(const std::string& text, const std::string& part) {
 TEST_F(TroubledRecording, GoesOnWhenTheFullDiskHasRoomAgain) {
   serve("[[file]]\nname = \"orders {n}\"\ncount = 100\n");
   Process process(onSmallDisk({"-o", "disk/r"}));
-  process.waitUntil([&] { return !process.error().empty(); }, "a pause");
-  if (process.error().starts_with("unshare:") || process.error().starts_with("mount:")) {
-    GTEST_SKIP() << "this machine lets nobody mount a disk: " << process.error();
-  }
-  const std::filesystem::path disk = "/proc/" + std::to_string(process.id()) + "/cwd/disk";
-  std::ifstream recording(disk / "r");  // outlives the disk
+  if (!isPaused(process)) GTEST_SKIP() << "no disk can be mounted: " << process.error();
+  std::ifstream recording(diskOf(process) / "r");  // outlives the disk
 
-  std::filesystem::remove(disk / "ballast");
+  std::filesystem::remove(diskOf(process) / "ballast");
   process.waitUntil([&] { return contains(process.error(), "again"); }, "the end of the pause");
   stop(process);
 
@@ -75,6 +82,21 @@ TEST_F(TroubledRecording, GoesOnWhenTheFullDiskHasRoomAgain) {
   EXPECT_TRUE(process.error().starts_with(
       "zelk-record: disk/r: No space left on device; recording pauses until there is room\n"
       "zelk-record: recording again\n"))
+      << process.error();
+}
+
+TEST_F(TroubledRecording, LeavesTheDiskAsMuchRoomAsItMust) {
+  Process process(onSmallDisk({"-o", "disk/r", "--leave-free", "48K"}));
+  if (!isPaused(process)) GTEST_SKIP() << "no disk can be mounted: " << process.error();
+  EXPECT_EQ(readFile(diskOf(process) / "r"), "");
+
+  std::filesystem::remove(diskOf(process) / "ballast");
+  process.waitUntil([&] { return contains(process.error(), "again"); }, "the end of the pause");
+  stop(process);
+
+  EXPECT_TRUE(process.error().starts_with(
+      "zelk-record: the disk has less room than --leave-free wants; recording pauses until there is "
+      "room\nzelk-record: recording again\n"))
       << process.error();
 }
 
