@@ -283,6 +283,19 @@ TEST_F(EncryptedLoginTest, ChecksTheCertificateAsWished) {
   EXPECT_EQ(loginWith("localhost", "verify-full", "/nowhere"), Status::kTlsFailed);
 }
 
+// To another machine nobody needs to ask for the check: root certificates are enough.
+TEST_F(EncryptedLoginTest, CertificateOfAnotherHostIsRefused) {
+  const std::string elsewhere = "[::ffff:127.0.0.1]:" + std::to_string(server_.port()) + "/app";
+  const TemporaryFolder home;
+  const Variable folder("HOME", home.path().string());
+  EXPECT_EQ(login(elsewhere, user("zelk")), Status::kSuccess);
+
+  fs::create_directory(home / ".postgresql");
+  fs::copy_file(server_.folder() / "data/server.crt", home / ".postgresql/root.crt");
+
+  EXPECT_EQ(login(elsewhere, user("zelk")), Status::kTlsFailed);
+}
+
 // Somebody between who answers the request for encryption, in place of the server. This form of the
 // address does not pass for this machine's.
 TEST_F(EncryptedLoginTest, NothingIsSaidWhenTheOfferToEncryptIsTakenAway) {
