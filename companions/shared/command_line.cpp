@@ -119,6 +119,7 @@ int runProgram(const Program& program, const std::function<void()>& body) noexce
   try {
     orv::keepStandardDescriptors();
     orv::ignoreFileSizeSignal();
+    orv::keepMemoryPrivate();
     body();
     return 0;
   } catch (const WrongCommandLine& failure) {

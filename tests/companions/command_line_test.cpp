@@ -1,6 +1,8 @@
 #include "companions/shared/command_line.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <string>
 #include <vector>
@@ -82,6 +84,17 @@ TEST(CommandLine, TakesWholeNumbersInTheirRange) {
   for (const char* const wrong : {"", "0", "8", "7x", "+7", " 7", "99999999999999999999"}) {
     EXPECT_THROW(wholeNumber("-n", wrong, 1, 7), WrongCommandLine) << wrong;
   }
+}
+
+// It would hold the password.
+TEST(CommandLineDeathTest, LeavesNoCoreFile) {
+  const auto longestCoreFile = [] {
+    rlimit limit{};
+    ::getrlimit(RLIMIT_CORE, &limit);
+    ::_exit(limit.rlim_max == 0 ? 0 : 1);
+  };
+
+  EXPECT_EXIT(runProgram(kProgram, longestCoreFile), testing::ExitedWithCode(0), "");
 }
 
 TEST(CommandLine, MakesExitCodesOfFailures) {
