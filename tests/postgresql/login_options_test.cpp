@@ -1,5 +1,8 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <libpq-fe.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <map>
@@ -11,6 +14,7 @@
 #include "tal/postgresql/login_options.h"
 #include "tal/postgresql/login_rules.h"
 #include "tal/postgresql/statements.h"
+#include "tests/support/file_descriptor.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/variable.h"
 
@@ -201,6 +205,45 @@ TEST(LoginRulesTest, EncryptionByPlaceAndCertificates) {
 
     EXPECT_EQ(rules.encryption(), row.encryption) << row.address << row.hasCertificates;
     EXPECT_EQ(rules.mayGoWithout(), row.mayGoWithout) << row.address << row.isException;
+  }
+}
+
+// A file that others could have written, or that is no short text, makes no exception.
+TEST(LoginRulesTest, FilesThatAreRead) {
+  struct Row {
+    const char* kind;
+    unsigned int mode;
+    std::uintmax_t size;
+    bool isRead;
+  };
+  constexpr Row kRows[] = {
+      {"regular", 0600, 16,    true },
+      {"regular", 0644, 65536, true },
+      {"regular", 0600, 65537, false},
+      {"regular", 0620, 16,    false},
+      {"regular", 0602, 16,    false},
+      {"pipe",    0600, 16,    false},
+  };
+
+  for (const Row& row : kRows) {
+    const testing_support::TemporaryFolder home;
+    const Variable folder("HOME", home.path().string());
+    const std::filesystem::path file = home / ".postgresql/zelk.conf";
+    std::filesystem::create_directory(file.parent_path());
+    testing_support::FileDescriptor pipe(-1);
+    if (row.kind == std::string("pipe")) {
+      ASSERT_EQ(::mkfifo(file.c_str(), row.mode), 0);
+      pipe = testing_support::FileDescriptor(::open(file.c_str(), O_RDWR | O_CLOEXEC));
+      ASSERT_EQ(::write(pipe.number(), "db1 unencrypted\n", 16), 16);
+    } else {
+      testing_support::writeFile(file, "db1 unencrypted\n");
+      std::filesystem::resize_file(file, row.size);
+      std::filesystem::permissions(file, std::filesystem::perms{row.mode});
+    }
+
+    const LoginRules rules = rulesFor({"db1", 5432, "app"}, {"192.0.2.7"});
+
+    EXPECT_EQ(rules.unencrypted, row.isRead) << row.kind << " " << row.mode << " " << row.size;
   }
 }
 
