@@ -16,7 +16,15 @@ long peakResidentMemory();
 // impossible.
 void resetPeak();
 
-// How often these bytes are in the memory of a process that runs. Needs root. Throws
+// Sanitizers keep freed memory, and map far more than there is.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool kMemoryIsAsUsual = false;
+#else
+inline constexpr bool kMemoryIsAsUsual = true;
+#endif
+
+// How often these bytes are in the memory of a process that runs, if its memory is as
+// usual. Needs root. Throws
 // std::runtime_error if the memory cannot be read.
 std::size_t copiesIn(pid_t process, std::string_view bytes);
 
