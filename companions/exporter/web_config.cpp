@@ -26,13 +26,13 @@ constexpr const char* kNobody = "$2b$10$abcdefghijklmnopqrstuuOtBJtHqcu0CMhS5xVV
 
 [[noreturn]] void refuse(const std::string& what) { throw std::runtime_error(what); }
 
-std::string contentsOf(const fs::path& file) {
+// `where` begins the text of a refusal.
+std::string contentsOf(const fs::path& file, const std::string& where) {
   std::ifstream stream(file, std::ios::binary);
   std::string text;
   char byte = 0;
   while (text.size() <= kLargestFile && stream.get(byte)) text += byte;
-  if (!stream.eof() || text.empty())
-    refuse(file.string() + " cannot be read, or is empty or too large");
+  if (!stream.eof() || text.empty()) refuse(where + " cannot be read, or is empty or too large");
   return text;
 }
 
@@ -82,7 +82,8 @@ bool onlyTls13(const YAML::Node& node, const fs::path& file) {
 TlsConfig tlsIn(const YAML::Node& table, const fs::path& file) {
   TlsConfig tls;
   const auto read = [&](const YAML::Node& node) {
-    return contentsOf(file.parent_path() / scalar(node, file));
+    const std::string name = scalar(node, file);
+    return contentsOf(file.parent_path() / name, where(node, file) + ": " + name);
   };
   forEach(table, file, [&](const std::string& key, const YAML::Node& value) {
     if (key == "cert_file")
@@ -152,7 +153,7 @@ WebConfig readWebConfig(const std::string& fileName) {
   const fs::path file = fileName;
   WebConfig config;
   try {
-    forEach(YAML::Load(contentsOf(file)), file,
+    forEach(YAML::Load(contentsOf(file, fileName)), file,
             [&](const std::string& key, const YAML::Node& value) {
               if (key == "tls_server_config")
                 config.tls = tlsIn(value, file);

@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <cerrno>
 #include <memory>
 #include <string>
 
@@ -59,10 +60,12 @@ std::string exchanged(const FileDescriptor& client, std::string_view input) {
   ::shutdown(client.number(), SHUT_WR);
   std::string answer;
   std::array<char, 65536> buffer{};
-  for (ssize_t size = 0; (size = ::recv(client.number(), buffer.data(), buffer.size(), 0)) > 0;) {
+  while (true) {
+    const ssize_t size = ::recv(client.number(), buffer.data(), buffer.size(), 0);
+    if (size < 0 && errno == EINTR) continue;  // by the fuzzer's clock
+    if (size <= 0) return answer;
     answer.append(buffer.data(), static_cast<std::size_t>(size));
   }
-  return answer;
 }
 
 }  // namespace
