@@ -29,6 +29,15 @@ log_line_prefix = '%a|'
 END
 )";
 
+// The settings are those of the primary, but for these.
+constexpr const char* kCopy = R"(
+  pg_basebackup -D "$folder/data" -d "$primary" --checkpoint=fast --write-recovery-conf --no-sync
+  cat >>"$folder/data/postgresql.conf" <<END
+unix_socket_directories = '$folder'
+max_standby_streaming_delay = -1
+END
+)";
+
 // Where the server's programs are: distributions keep one folder for each version.
 fs::path newestPrograms() {
   int newest = 0;
@@ -48,12 +57,12 @@ std::string targetAt(std::uint16_t port, const std::string& user, const std::str
          " dbname=" + database;
 }
 
-ServerPlan planFor(const fs::path& folder, std::uint16_t port) {
+ServerPlan planFor(const std::string& prepare, const fs::path& folder, std::uint16_t port) {
   const fs::path programs = newestPrograms();
   const std::string target = targetAt(port, "postgres", PrivateServer::kPassword, "postgres");
   return {
       .user = "postgres",
-      .prepare = "PATH=" + programs.string() + ":$PATH\n" + kPrepare,
+      .prepare = "PATH=" + programs.string() + ":$PATH\n" + prepare,
       .command = {programs / "postgres", "-D", folder / "data", "-p", std::to_string(port)},
       .stopSignal = SIGQUIT,
       .answers = [target] { return PQping(target.c_str()) == PQPING_OK;}
@@ -62,7 +71,16 @@ ServerPlan planFor(const fs::path& folder, std::uint16_t port) {
 
 }  // namespace
 
-PrivateServer::PrivateServer() : GuardedServer(&planFor) {}
+PrivateServer::PrivateServer()
+    : GuardedServer([](const fs::path& folder, std::uint16_t port) {
+        return planFor(kPrepare, folder, port);
+      }) {}
+
+PrivateServer::PrivateServer(const PrivateServer& primary)
+    : GuardedServer([&primary](const fs::path& folder, std::uint16_t port) {
+        const std::string target = primary.connectionString("postgres", kPassword, "postgres");
+        return planFor("primary='" + target + "'\n" + kCopy, folder, port);
+      }) {}
 
 std::string PrivateServer::connectionString(const std::string& user, const std::string& password,
                                             const std::string& database) const {

@@ -15,6 +15,8 @@ class PrivateServer : public GuardedServer {
 
   // Starts a server and waits until it answers.
   PrivateServer();
+  // A standby of `primary`, with a copy of its data. Replay waits for readers without a limit.
+  explicit PrivateServer(const PrivateServer& primary);
 
   // A connection string for the client library.
   [[nodiscard]] std::string connectionString(const std::string& user, const std::string& password,
