@@ -39,6 +39,16 @@ class Exporter {
   std::unique_ptr<exporter::HttpServer> server_;
 };
 
+// The fuzzer's clock interrupts system calls.
+template <typename Call>
+ssize_t uninterrupted(const Call& call) {
+  ssize_t result = 0;
+  do {
+    result = call();
+  } while (result < 0 && (errno == EINTR || errno == EALREADY));
+  return result;
+}
+
 // From one address after the other, because each has its own ports to come from.
 FileDescriptor connectedTo(unsigned port) {
   static std::uint32_t next = 0;
@@ -49,20 +59,21 @@ FileDescriptor connectedTo(unsigned port) {
   ::bind(client.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
   address.sin_port = htons(static_cast<std::uint16_t>(port));
   address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  const int done =
-      ::connect(client.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
-  require(done == 0, "the exporter accepts connections");
+  const ssize_t done = uninterrupted([&] {
+    return ::connect(client.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+  });
+  require(done == 0 || errno == EISCONN, "the exporter accepts connections");
   return client;
 }
 
 std::string exchanged(const FileDescriptor& client, std::string_view input) {
-  ::send(client.number(), input.data(), input.size(), MSG_NOSIGNAL);
+  uninterrupted([&] { return ::send(client.number(), input.data(), input.size(), MSG_NOSIGNAL); });
   ::shutdown(client.number(), SHUT_WR);
   std::string answer;
   std::array<char, 65536> buffer{};
   while (true) {
-    const ssize_t size = ::recv(client.number(), buffer.data(), buffer.size(), 0);
-    if (size < 0 && errno == EINTR) continue;  // by the fuzzer's clock
+    const ssize_t size =
+        uninterrupted([&] { return ::recv(client.number(), buffer.data(), buffer.size(), 0); });
     if (size <= 0) return answer;
     answer.append(buffer.data(), static_cast<std::size_t>(size));
   }
