@@ -4,8 +4,8 @@
 SELECT @@innodb_read_only, @@skip_networking, @@aria_block_size, @@myisam_block_size,
        @@performance_schema,
        (SELECT COUNT(*)
-          FROM performance_schema.metadata_locks m
-          JOIN performance_schema.threads t ON t.thread_id = m.owner_thread_id
+          FROM performance_schema.threads t
+          JOIN performance_schema.metadata_locks m ON m.owner_thread_id = t.thread_id
          WHERE t.processlist_id = CONNECTION_ID()),
        (SELECT COUNT(*) FROM information_schema.innodb_trx)
 UNION ALL SELECT 0, 0, 0, 0, 0, 0, 0 FROM performance_schema.socket_instances WHERE FALSE
