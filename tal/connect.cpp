@@ -57,7 +57,9 @@ std::string ownFolder() {
 // stays loaded until the process ends.
 OpenEngine& moduleOf(const std::string& fileName) {
   const std::string path = ownFolder() + fileName;
-  void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  // Our modules are linked to bind all their calls at once. The two dozen libraries behind a client
+  // library are not, and most of their calls never happen.
+  void* const module = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL | RTLD_NODELETE);
   if (module == nullptr) failMissing(dlerror());
   auto* const entry = reinterpret_cast<ModuleEntry*>(dlsym(module, kModuleEntryName));
   if (entry == nullptr) failMissing(dlerror());
