@@ -80,11 +80,18 @@ std::size_t lengthOfAscii(std::string_view bytes) noexcept {
   return length;
 }
 
+std::size_t lengthOfAscii(std::wstring_view text) noexcept {
+  return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isAscii) -
+                                  text.begin());
+}
+
 // Bytes below 0x80 are characters of the same number, and the other way round.
-void appendAscii(std::string_view bytes, std::wstring& text) {
-  const std::size_t before = text.size();
-  text.resize(before + bytes.size());
-  std::copy(bytes.begin(), bytes.end(), text.begin() + static_cast<std::ptrdiff_t>(before));
+template <class From, class To>
+void appendAscii(std::basic_string_view<From> from, std::basic_string<To>& to) {
+  const std::size_t before = to.size();
+  to.resize(before + from.size());
+  std::transform(from.begin(), from.end(), to.begin() + static_cast<std::ptrdiff_t>(before),
+                 [](From character) { return static_cast<To>(character); });
 }
 
 }  // namespace
@@ -133,12 +140,15 @@ std::size_t offsetOfCharacter(std::string_view bytes, std::size_t index) noexcep
 
 std::string encodeUtf8(std::wstring_view text) {
   std::string bytes;
-  bytes.reserve(text.size());
   char encoded[kMaximumBytesPerCharacter];
-  for (const wchar_t character : text) {
-    bytes.append(encoded, encodeUtf8(character, encoded));
+  while (true) {
+    const std::size_t run = lengthOfAscii(text);
+    appendAscii(text.substr(0, run), bytes);
+    text.remove_prefix(run);
+    if (text.empty()) return bytes;
+    bytes.append(encoded, encodeUtf8(text.front(), encoded));
+    text.remove_prefix(1);
   }
-  return bytes;
 }
 
 std::size_t encodeUtf8(wchar_t character, char* out) noexcept {

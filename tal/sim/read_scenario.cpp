@@ -1,5 +1,6 @@
 #include "tal/sim/read_scenario.h"
 
+#include <array>
 #include <limits>
 #include <optional>
 #include <string>
@@ -167,9 +168,14 @@ Scenario readScenario(const Node& document) {
 // The bytes of a file.
 std::string textIn(const std::string& path) {
   try {
-    std::string text(kFileLimit + 1, '\0');
-    text.resize(RegularFile(path).readAt(0, text));
-    if (text.size() <= kFileLimit) return text;
+    const RegularFile file(path);
+    std::array<char, 16384> part;
+    std::string text;
+    while (text.size() <= kFileLimit) {
+      const std::size_t count = file.readAt(text.size(), part);
+      if (count == 0) return text;
+      text.append(part.data(), count);
+    }
   } catch (const FileError& error) {
     throw ScenarioError(0, error.what());
   }
