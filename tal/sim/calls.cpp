@@ -78,6 +78,7 @@ Status Calls::count(Call call) {
   Counter& counter = counters_[indexOf(call)];
   ++counter.inAll;
   ++counter.inRefresh;
+  if (faults_[indexOf(call)].empty()) return Status::kSuccess;
 
   const Ordered* found = nullptr;
   const std::uint64_t now = refresh(call);

@@ -47,6 +47,7 @@ class Number {
 
   [[nodiscard]] Field at(const Place& place) const noexcept {
     const std::int64_t base = byRefresh(values_, place.refresh);
+    if (step_ == 0 && each_ == 0) return static_cast<Field>(base);
     const std::int64_t stepped = afterSteps(base, step_, place.refresh - 1);
     const std::int64_t sum = afterSteps(stepped, each_, place.item - 1);
     return static_cast<Field>(std::clamp(sum, kLowest, kHighest));
