@@ -81,10 +81,9 @@ String String::trim(std::string_view unwanted) const {
   return String(bytes_.substr(begin, end - begin + 1));
 }
 
-String String::toUpper() const {
-  String result(*this);
-  std::transform(result.bytes_.begin(), result.bytes_.end(), result.bytes_.begin(), upper);
-  return result;
+String String::toUpper() && {
+  std::transform(bytes_.begin(), bytes_.end(), bytes_.begin(), upper);
+  return std::move(*this);
 }
 
 void wipe(std::string& bytes) noexcept {

@@ -11,8 +11,8 @@
 namespace orv {
 
 // A sum of texts, such as "a" + text + ",". It only refers to them, so it must not outlive its
-// expression: give a variable or a function's result the type String. A line of a report is put
-// together from it at once, without a text for each step.
+// expression: give a variable or a function's result the type String. Writers take a sum as it is,
+// so that a line of a report needs no memory of its own.
 template <std::size_t kCount>
 struct Sum {
   std::array<std::string_view, kCount> texts;
@@ -74,7 +74,8 @@ class String {
   [[nodiscard]] String first(std::size_t count) const;
   // Without the characters of `unwanted` at both ends; all of them are ASCII.
   [[nodiscard]] String trim(std::string_view unwanted = " \t\r\n") const;
-  [[nodiscard]] String toUpper() const;
+  [[nodiscard]] String toUpper() const& { return String(*this).toUpper(); }
+  [[nodiscard]] String toUpper() &&;
 
   friend bool operator==(const String& left, const String& right) noexcept = default;
 
@@ -85,35 +86,37 @@ class String {
   std::string bytes_;
 };
 
-inline Sum<2> operator+(const String& left, const String& right) {
-  return {
-      {left.toBytes(), right.toBytes()}
-  };
-}
-inline Sum<2> operator+(const String& left, const char* right) {
-  return {
-      {left.toBytes(), right}
-  };
-}
-inline Sum<2> operator+(const char* left, const String& right) {
-  return {
-      {left, right.toBytes()}
-  };
+// What a sum is made of: a String, a literal or a sum.
+inline Sum<1> summand(const String& text) noexcept { return {{text.toBytes()}}; }
+inline Sum<1> summand(const char* text) noexcept { return {{text}}; }
+template <std::size_t kCount>
+const Sum<kCount>& summand(const Sum<kCount>& sum) noexcept {
+  return sum;
 }
 
+template <std::size_t kLeft, std::size_t kRight>
+Sum<kLeft + kRight> operator+(const Sum<kLeft>& left, const Sum<kRight>& right) {
+  Sum<kLeft + kRight> sum;
+  std::copy(left.texts.begin(), left.texts.end(), sum.texts.begin());
+  std::copy(right.texts.begin(), right.texts.end(), sum.texts.begin() + kLeft);
+  return sum;
+}
 template <std::size_t kCount>
 Sum<kCount + 1> operator+(const Sum<kCount>& left, const char* right) {
-  Sum<kCount + 1> sum;
-  std::copy(left.texts.begin(), left.texts.end(), sum.texts.begin());
-  sum.texts.back() = right;
-  return sum;
+  return left + summand(right);
 }
 template <std::size_t kCount>
 Sum<kCount + 1> operator+(const Sum<kCount>& left, const String& right) {
-  Sum<kCount + 1> sum;
-  std::copy(left.texts.begin(), left.texts.end(), sum.texts.begin());
-  sum.texts.back() = right.toBytes();
-  return sum;
+  return left + summand(right);
+}
+inline Sum<2> operator+(const String& left, const String& right) {
+  return summand(left) + summand(right);
+}
+inline Sum<2> operator+(const String& left, const char* right) {
+  return summand(left) + summand(right);
+}
+inline Sum<2> operator+(const char* left, const String& right) {
+  return summand(left) + summand(right);
 }
 
 // Empties the bytes and overwrites their memory.

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -23,22 +23,15 @@ void FormatHelper::padToLen(orv::String& text, int length) {
 
 void FormatHelper::putError(const orv::String& message) { logger_->severe("ERROR! - " + message); }
 
-void FormatHelper::putHeader(const orv::String& title, int tabs) {
-  const auto putRule = [this, length = title.length(), tabs] {
-    logger_->info(newLine(tabs).append(length, L'='));
-  };
-  putRule();
-  putData(title.toUpper(), tabs);
-  putRule();
+void FormatHelper::putHeader(orv::String title, int tabs) {
+  rule_.clear();
+  rule_.append(title.length(), L'=');
+  putData(rule_, tabs);
+  putData(std::move(title).toUpper(), tabs);
+  putData(rule_, tabs);
 }
 
-orv::String& FormatHelper::newLine(int tabs) {
-  constexpr std::string_view kTabs = "\t\t\t\t\t\t\t\t";
-  line_.clear();
-  for (std::size_t missing = countOf(tabs); missing > 0;) {
-    const std::string_view part = kTabs.substr(0, missing);
-    line_.append(part);
-    missing -= part.size();
-  }
-  return line_;
+void FormatHelper::setIndent(int tabs) {
+  indent_ = getTabStr(tabs);
+  depth_ = tabs;
 }

@@ -25,15 +25,22 @@ class FormatHelper : public orv::Object {
   // `data` is a String, a literal or a sum of them.
   template <class Text>
   void putData(const Text& data, int tabs) {
-    logger_->info(newLine(tabs) += data);
+    logger_->info(orv::summand(indent(tabs)) + orv::summand(data));
   }
   // Three lines: the title in capitals between two rules of "=" of the same length.
-  void putHeader(const orv::String& title, int tabs);
+  void putHeader(orv::String title, int tabs);
 
  private:
-  // The line, with this many tabs.
-  orv::String& newLine(int tabs);
+  // This many tabs, which stay as they are until the next call.
+  const orv::String& indent(int tabs) {
+    if (tabs != depth_) setIndent(tabs);
+    return indent_;
+  }
+  void setIndent(int tabs);
 
   orv::Reference<Logger> logger_;
-  orv::String line_;  // used again for each line
+  // Kept from line to line, so that a line needs no memory of its own.
+  int depth_ = 0;
+  orv::String indent_;
+  orv::String rule_;
 };

@@ -87,14 +87,6 @@ void Logger::setLevel(const orv::String& name) {
   }
 }
 
-void Logger::log(Level level, const orv::String& message) {
-  if (level_ > level) return;
-  for (const auto& handler : handlers_) {
-    handler->println(message);
-    handler->flush();
-  }
-}
-
 void Logger::throwError(orv::Result code, const orv::String& path) const {
   if (code != orv::kAccessDenied && code != orv::kFileNotFound) throw orv::ResultException(code);
   const orv::String reason =

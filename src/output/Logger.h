@@ -48,10 +48,21 @@ class Logger : public orv::Object {
   // The name of a level, in upper or lower case; an unknown name turns all output off (deliberate).
   void setLevel(const orv::String& name);
 
-  void log(Level level, const orv::String& message);
+  // `message` is a String, a literal or a sum of them.
+  template <class Text>
+  void log(Level level, const Text& message) {
+    if (level_ > level) return;
+    for (const auto& handler : handlers_) {
+      handler->println(message);
+      handler->flush();
+    }
+  }
   void severe(const orv::String& message) { log(Level::kSevere, message); }
   void warning(const orv::String& message) { log(Level::kWarning, message); }
-  void info(const orv::String& message) { log(Level::kInfo, message); }
+  template <class Text>
+  void info(const Text& message) {
+    log(Level::kInfo, message);
+  }
   void config(const orv::String& message) { log(Level::kConfig, message); }
   void fine(const orv::String& message) { log(Level::kFine, message); }
   void finer(const orv::String& message) { log(Level::kFiner, message); }

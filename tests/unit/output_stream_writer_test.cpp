@@ -100,6 +100,17 @@ TEST(PrintWriter, HandsOverEachLineAtOnceWhenItFlushesByItself) {
   EXPECT_EQ(stream->writes(), (Writes{"one line\n", "another\n"}));
 }
 
+TEST(PrintWriter, TakesASumAsItIs) {
+  const auto stream = makeReference<RecordingOutputStream>();
+  PrintWriter writer(makeReference<OutputStreamWriter>(stream, 2048U), true);
+  const String text("text");
+
+  writer.print("\t" + text);
+  writer.println(text + ": " + text + ",");
+
+  EXPECT_EQ(stream->writes(), Writes{"\ttexttext: text,\n"});
+}
+
 TEST(PrintWriter, CollectsLinesOtherwise) {
   const auto stream = makeReference<RecordingOutputStream>();
   PrintWriter writer(makeReference<OutputStreamWriter>(stream, 2048U), false);

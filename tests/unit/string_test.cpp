@@ -50,9 +50,11 @@ TEST(String, IsMadeOfASum) {
   const String text("b");
   String line("a");
 
-  line += "-" + text + "-" + String("c") + "\xC3\xA4";
+  line += "-" + text + "-" + String("c") + "\xC3\xA4" + (text + text);
 
-  EXPECT_EQ(line, "a-b-c\xC3\xA4");
+  EXPECT_EQ(line,
+            "a-b-c\xC3\xA4"
+            "bb");
   EXPECT_EQ(String(text + text), "bb");
   EXPECT_EQ(String(text + "c"), "bc");
 }
@@ -114,7 +116,9 @@ TEST(String, TrimsBothEnds) {
 }
 
 TEST(String, ChangesTheCaseOfAsciiAlone) {
-  EXPECT_EQ(String("az{`\xC3\xA4\xC4\xB1").toUpper(), "AZ{`\xC3\xA4\xC4\xB1");
+  const String lower("az{`\xC3\xA4\xC4\xB1");
+  EXPECT_EQ(lower.toUpper(), "AZ{`\xC3\xA4\xC4\xB1");
+  EXPECT_EQ(lower, "az{`\xC3\xA4\xC4\xB1");
   EXPECT_TRUE(String("Both").equalsIgnoreCase("bOTH"));
   EXPECT_FALSE(String("both").equalsIgnoreCase("bot"));
   EXPECT_FALSE(String("bot").equalsIgnoreCase("both"));

@@ -21,8 +21,11 @@ WriteErrorText s_writeErrorText = plainWriteErrorText;
 
 constexpr int kNoTimeLimit = -1;
 
-// Another program that shares the terminal or pipe may have made it non-blocking.
-void waitUntilWritable(int descriptor) noexcept {
+// Returns if another attempt makes sense. Another program that shares the terminal or pipe may have
+// made it non-blocking.
+[[gnu::noinline]] void waitOrThrow(int descriptor, int error, const String& target) {
+  if (error == EINTR) return;
+  if (error != EAGAIN) throwWriteError(target, error);
   pollfd wait{descriptor, POLLOUT, 0};
   poll(&wait, 1, kNoTimeLimit);
 }
@@ -38,12 +41,10 @@ void throwWriteError(const String& target, int error) {
 void writeFully(int descriptor, std::string_view bytes, const String& target) {
   while (!bytes.empty()) {
     const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-    if (written >= 0) {
+    if (written < 0) {
+      waitOrThrow(descriptor, errno, target);
+    } else {
       bytes.remove_prefix(static_cast<std::size_t>(written));
-    } else if (errno == EAGAIN) {
-      waitUntilWritable(descriptor);
-    } else if (errno != EINTR) {
-      throwWriteError(target, errno);
     }
   }
 }

@@ -25,10 +25,4 @@ void OutputStreamWriter::flush() {
   used_ = 0;
 }
 
-void PrintWriter::println(const String& text) {
-  writer_->write(text.toBytes());
-  writer_->write("\n");
-  if (autoFlush_) flush();
-}
-
 }  // namespace orv::io

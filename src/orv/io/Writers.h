@@ -27,6 +27,10 @@ class OutputStreamWriter : public Object {
     std::memcpy(buffer_.get() + used_, text.data(), text.size());
     used_ += text.size();
   }
+  template <std::size_t kCount>
+  void write(const Sum<kCount>& texts) {
+    for (const std::string_view text : texts.texts) write(text);
+  }
   void flush();
   void close() { stream_->close(); }
 
@@ -48,8 +52,20 @@ class PrintWriter : public Object {
   PrintWriter(Reference<OutputStreamWriter> writer, bool autoFlush)
       : writer_(std::move(writer)), autoFlush_(autoFlush) {}
 
-  void print(const String& text) { writer_->write(text.toBytes()); }
-  void println(const String& text = {});
+  // `text` is a String, a literal or a sum.
+  template <class Text>
+  void print(const Text& text) {
+    writer_->write(summand(text));
+  }
+  template <class Text>
+  void println(const Text& text) {
+    print(text);
+    println();
+  }
+  void println() {
+    writer_->write("\n");
+    if (autoFlush_) flush();
+  }
   void flush() { writer_->flush(); }
   void close() { writer_->close(); }
 
