@@ -113,10 +113,13 @@ TEST(RecordedMoment, HasItsKeysInOrder) {
   moment.heading = fullHeading();
   moment.error = {"TalGetZorbUsageEx2", 7106, "lost"};
 
-  const auto written = nlohmann::ordered_json::parse(lineOf(moment));
-
   std::string keys;
-  for (const auto& [key, value] : written.items()) keys += key + " ";
+  const auto noteKey = [&](int depth, json::parse_event_t event, const json& parsed) {
+    if (depth == 1 && event == json::parse_event_t::key) keys += parsed.get<std::string>() + " ";
+    return true;
+  };
+  const json written = json::parse(lineOf(moment), noteKey);
+
   EXPECT_EQ(keys,
             "zelk_recording run sequence time zone elapsed_us interval_us missed took_us server "
             "engine version file client sql_connection usage communication error ");
