@@ -13,7 +13,7 @@
 
 namespace {
 
-// Costs next to nothing beside the writing: what is measured is that.
+// Costs next to nothing compared with the writing, which is what is measured.
 std::string_view map(const char* path) {
   const int descriptor = open(path, O_RDONLY);
   struct stat status {};

@@ -1,6 +1,6 @@
-// What a report costs, beside the floor of one write(2) for each of the same lines, and what a
-// start costs, beside the start of a program that does nothing. Measured in the same run, turn by
-// turn.
+// What a report costs, compared with the floor of one write(2) for each of the same lines, and what
+// a start costs, compared with that of a program that does nothing. Measured in the same run, turn
+// by turn.
 //   report_cost ZELK FLOOR NOTHING [MOST_HANDLES]
 #include <cstddef>
 #include <cstdio>

@@ -33,7 +33,7 @@ class EngineTest : public ComponentTest {
     return 0;
   }
 
-  // A call that fails for want of memory.
+  // A call that fails because there is no memory.
   static void runOutOfMemoryAt(const std::string& call) {
     engine().onCall = [call](const std::string& made) {
       if (made == call) throw std::bad_alloc();

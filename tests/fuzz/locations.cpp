@@ -1,4 +1,4 @@
-// Server names, and what the client library is told. The lines are the location, the user and the
+// Server names, and what the client library gets. The lines are the location, the user and the
 // password.
 #include <libpq-fe.h>
 

@@ -21,7 +21,7 @@ void run(std::string_view input) {
 
   orv::String line;
   require(reader.readLine(line) && line.wide() == first.substr(0, kLimit), "a long line is cut");
-  require(reader.isLineCut() == (first.size() > kLimit), "a cut is told");
+  require(reader.isLineCut() == (first.size() > kLimit), "a cut is reported");
   const bool hasSign = first.find(L'=', line.length()) != std::wstring::npos;
   require(reader.restOfLineHas(L'=') == hasSign, "the rest of a line is looked at");
   const std::wstring second = rest.substr(0, rest.find(L'\n'));

@@ -1,4 +1,5 @@
-// Numbers, versions, times and the escaping of a character, each beside the rule that it follows.
+// Numbers, versions, times and the escaping of a character, each compared with the rule that it
+// follows.
 #include "util/Utils.h"
 
 #include <algorithm>

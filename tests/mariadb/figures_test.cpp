@@ -1,4 +1,4 @@
-// What a server with all instruments tells of itself, beside its own words.
+// Figures of a server with all instruments, compared with what the server itself answers.
 #include <unistd.h>
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Logging in: who is let in, and what an administrator is told otherwise.
+// Logging in: who is let in, and what an administrator reads otherwise.
 #include <stdlib.h>
 
 #include <optional>

@@ -1,4 +1,4 @@
-// Figures beside the server's own answers to the questions that an administrator would ask it.
+// Figures, compared with the server's own answers to an administrator's questions.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -29,7 +29,7 @@ log_line_prefix = '%a|'
 END
 )";
 
-// The settings are those of the primary, but for these.
+// The settings are those of the primary, except these.
 constexpr const char* kCopy = R"(
   pg_basebackup -D "$folder/data" -d "$primary" --checkpoint=fast --write-recovery-conf --no-sync
   cat >>"$folder/data/postgresql.conf" <<END

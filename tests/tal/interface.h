@@ -72,7 +72,7 @@ std::string bytesOf(const std::vector<ListedFile>& files);
 std::string bytesOf(const std::vector<ListedClient>& clients);
 std::string bytesOf(const std::vector<TalSqlConnectionInfo>& connections);
 
-// The calls that need a handle, with arguments that are good but for the handle.
+// The calls that need a handle, with good arguments except the handle.
 struct NamedCall {
   const char* name;
   std::function<std::int16_t(std::int32_t handle)> call;

@@ -20,10 +20,10 @@ struct Shown {
   bool handles = false;
 };
 
-// The settings, and the lines of an engine that tells no version.
+// The settings, and the lines of an engine without a version.
 std::string runHeader(const Shown& shown);
 
-// The resource section of an engine that tells nothing.
+// The resource section of an engine whose figures are all 0.
 inline constexpr const char* kIdleResources =
     "==============\n"
     "RESOURCE USAGE\n"

@@ -1,4 +1,4 @@
-// The engine library's modules: found beside it and nowhere else, and refused where they do not
+// The engine library's modules: found in its folder and nowhere else, and refused where they do not
 // fit.
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Every allocation of a report fails once, and each is the first of a memory that has run out for
-// good: the run ends with the code and the line for want of memory, whatever it was doing.
+// good: the run ends with the code and the line about missing memory, whatever it was doing.
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -1,4 +1,5 @@
-// What zelk reports of a MariaDB server under a small load, beside what the server says itself.
+// What zelk reports of a MariaDB server under a small load, compared with what the server itself
+// says.
 #include <gmock/gmock.h>
 
 #include <optional>
@@ -130,7 +131,7 @@ class LoadedTest : public Server {
     EXPECT_EQ(report.sessions.size(), report.announced.at("sessions"));
   }
 
-  // The report and what grows, which the server tells before and after it.
+  // The report and what grows, which the server gives before and after it.
   Report boundedReport(const std::function<Report()>& make) {
     waitUntilAlone();
     const std::vector<std::string> growing = {"UPTIME", "QUESTIONS", "OPEN_TABLES"};
@@ -162,7 +163,7 @@ class LoadedTest : public Server {
   std::map<std::string, Session> users_;
 
  private:
-  // All that zelk asks, and this test beside it.
+  // All requests of zelk and of this test.
   static constexpr long kQuestionsOfARun = 60;
 
   std::string versionText() {

@@ -25,7 +25,7 @@ class Monitor {
   explicit Monitor(const Target& target,
                    const std::vector<std::pair<std::string, std::string>>& changes = {});
 
-  // Standard input stays open until the process is told otherwise.
+  // Standard input stays open until the test closes it.
   [[nodiscard]] testing_support::Command command(std::vector<std::string> arguments) const;
 
   // One report in either form. Fails the test when the program does.

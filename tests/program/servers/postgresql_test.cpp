@@ -1,4 +1,5 @@
-// What zelk reports of a PostgreSQL server under a small load, beside what the server says itself.
+// What zelk reports of a PostgreSQL server under a small load, compared with what the server itself
+// says.
 #include <vector>
 
 #include "tests/postgresql/server_test.h"

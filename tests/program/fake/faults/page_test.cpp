@@ -1,5 +1,4 @@
-// The page that tells users what a failing engine does shows the table that the program is tested
-// against.
+// The page about failing engines shows the table that the program is tested against.
 #include <gtest/gtest.h>
 
 #include <filesystem>
