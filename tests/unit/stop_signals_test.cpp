@@ -23,12 +23,18 @@ std::atomic<bool> s_stopRequested{false};
 // A standard input that says nothing and does not end.
 void silenceInput(const Pipe& pipe) { dup2(pipe.readEnd(), STDIN_FILENO); }
 
+// A shell or nohup may have started the tests with some of them ignored, and they would stay so.
+void installStopSignals() {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::signal(signal, SIG_DFL);
+  orv::installStopSignals(s_stopRequested);
+}
+
 [[noreturn]] void exitUnless(bool condition) { std::exit(condition ? 0 : 1); }
 
 TEST(StopSignalsDeathTest, SetTheFlag) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     const auto stop = [signal] {
-      orv::installStopSignals(s_stopRequested);
+      installStopSignals();
       const bool before = s_stopRequested || orv::stopSignalCame();
       raise(signal);
       exitUnless(!before && s_stopRequested && orv::stopSignalCame());
@@ -40,7 +46,7 @@ TEST(StopSignalsDeathTest, SetTheFlag) {
 
 TEST(StopSignalsDeathTest, EndTheProcessTheSecondTime) {
   const auto stopTwice = [] {
-    orv::installStopSignals(s_stopRequested);
+    installStopSignals();
     raise(SIGTERM);
     raise(SIGINT);
     std::exit(0);
@@ -51,6 +57,7 @@ TEST(StopSignalsDeathTest, EndTheProcessTheSecondTime) {
 
 TEST(StopSignalsDeathTest, StayIgnoredWhereTheyWere) {
   const auto ignored = [] {
+    ::signal(SIGINT, SIG_DFL);
     ::signal(SIGHUP, SIG_IGN);
     orv::installStopSignals(s_stopRequested);
     raise(SIGHUP);
@@ -67,7 +74,7 @@ TEST(StopSignalsDeathTest, WakeAReaderThatWaits) {
   const auto wake = [] {
     const Pipe pipe;
     silenceInput(pipe);
-    orv::installStopSignals(s_stopRequested);
+    installStopSignals();
     const pthread_t reader = pthread_self();
     std::thread([reader] { pthread_kill(reader, SIGTERM); }).detach();
     orv::io::StdioInputStream stream;
@@ -81,7 +88,7 @@ TEST(StopSignalsDeathTest, EndAllLaterReads) {
   const auto readLater = [] {
     const Pipe pipe;
     silenceInput(pipe);
-    orv::installStopSignals(s_stopRequested);
+    installStopSignals();
     raise(SIGINT);
     orv::io::StdioInputStream stream;
     exitUnless(stream.read() == -1 && stream.read() == -1);
