@@ -140,6 +140,7 @@ struct FileUse {
 
 void addMostWaitedFor(Metrics& metrics, const std::vector<tal::OpenFile>& files,
                       std::size_t count) {
+  if (count == 0) return;
   std::map<std::string, FileUse> uses;
   for (const tal::OpenFile& file : files) {
     FileUse& use = uses[labelText(file.name)];
