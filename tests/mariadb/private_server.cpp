@@ -9,8 +9,10 @@ namespace {
 
 using testing_support::ServerPlan;
 
-// The data and a certificate.
+// The data and a certificate. Each server has its own folder for temporary files, because a server
+// that starts removes those of every other server from a folder that they share.
 constexpr const char* kPrepare = R"(
+  export TMPDIR="$folder"
   mariadb-install-db --no-defaults --datadir="$folder/data" --skip-test-db \
     --innodb-flush-method=nosync --innodb-log-file-size=8M --auth-root-authentication-method=normal
   openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 \
@@ -21,6 +23,7 @@ std::vector<std::string> ownCommand(const std::filesystem::path& folder, std::ui
   return {"mariadbd",
           "--no-defaults",
           "--datadir=" + (folder / "data").string(),
+          "--tmpdir=" + folder.string(),
           "--socket=" + (folder / "sock").string(),
           "--port=" + std::to_string(port),
           "--bind-address=127.0.0.1",
