@@ -1,12 +1,13 @@
 // What a report costs, compared with the floor of one write(2) for each of the same lines, and what
-// a start costs, compared with that of a program that does nothing. Measured in the same run, turn
-// by turn.
+// a start costs, compared with that of a program that does nothing. Both sides take turns in
+// the same run. At the end a table shows what was aimed at.
 //   report_cost ZELK FLOOR NOTHING [MOST_HANDLES]
 #include <cstddef>
 #include <cstdio>
 #include <exception>
 #include <string>
 
+#include "bench/aims.h"
 #include "bench/child.h"
 #include "bench/instructions.h"
 #include "bench/reports.h"
@@ -14,6 +15,7 @@
 
 namespace {
 
+using bench::Aims;
 using bench::Command;
 using bench::Cost;
 using bench::Form;
@@ -28,6 +30,15 @@ constexpr double kNanoseconds = 1e9;
 constexpr double kMillion = 1e6;
 constexpr int kStarts = 40;
 constexpr long kFewestHandles = 10'000;
+
+// What a line may cost at most, over the floor's.
+constexpr double kFileRatio = 1.15;
+constexpr double kPipeRatio = 1.25;
+constexpr double kDevNullRatio = 1.4;
+constexpr double kInstructionsOfLine = 400;
+constexpr double kStartMilliseconds = 1.2;
+constexpr double kGrowth = 1.05;
+constexpr double kBytesOfHandle = 120;
 
 constexpr Form kForms[] = {
     {"text, file",      false, true,  Output::kDevNull},
@@ -63,7 +74,7 @@ void printStart(const char* what, const Command& command, const Series& cpu,
               instructionsOf(command, reports.scratch()) / kMillion);
 }
 
-Measured measureStart(Reports& reports, const Command& nothing) {
+Measured measureStart(Reports& reports, const Command& nothing, Aims& aims) {
   reports.setHandles(0);
   const Command report = reports.report(kTextToFile);
   Series floor;
@@ -77,10 +88,22 @@ Measured measureStart(Reports& reports, const Command& nothing) {
   std::printf("start, %d turns                ms of CPU        million instructions\n", kStarts);
   printStart("a C++ program with a thread", nothing, floor, reports);
   printStart("zelk, an empty report", report, zelk, reports);
+  aims.add("start and an empty report, ms", kStartMilliseconds, zelk.median() * kMilliseconds);
   return {zelk.median(), cost.peakKilobytes};
 }
 
-Measured measureForm(Reports& reports, const Form& form, const Size& size, std::size_t lines) {
+void addRatio(Aims& aims, const Form& form, double ratio) {
+  if (form.toFile) {
+    aims.add("CPU of a line over the floor's, file", kFileRatio, ratio);
+  } else if (form.console == Output::kPipe) {
+    aims.add("CPU of a line over the floor's, pipe", kPipeRatio, ratio);
+  } else {
+    aims.add("CPU of a line over the floor's, /dev/null", kDevNullRatio, ratio);
+  }
+}
+
+Measured measureForm(Reports& reports, const Form& form, const Size& size, std::size_t lines,
+                     Aims& aims) {
   const Command report = reports.report(form);
   const Command least = reports.floor(form);
   Series zelk;
@@ -99,23 +122,24 @@ Measured measureForm(Reports& reports, const Form& form, const Size& size, std::
               lines, zelk.median() * perLine, floor.median() * perLine, ratio.median(),
               ratio.least(), ratio.greatest());
   std::fflush(stdout);
+  addRatio(aims, form, ratio.median());
   return {zelk.median(), cost.peakKilobytes};
 }
 
-Measured measureSize(Reports& reports, const Size& size) {
+Measured measureSize(Reports& reports, const Size& size, Aims& aims) {
   reports.setHandles(size.handles);
   Measured textToFile;
   std::size_t lines = 0;
   for (const Form& form : kForms) {
     if (form.toFile) lines = reports.makeLines(form.json);
-    const Measured measured = measureForm(reports, form, size, lines);
+    const Measured measured = measureForm(reports, form, size, lines, aims);
     if (&form == &kTextToFile) textToFile = measured;
   }
   return textToFile;
 }
 
 // Of many lines, with what the start costs taken off.
-void countInstructions(Reports& reports) {
+void countInstructions(Reports& reports, Aims& aims) {
   for (const bool json : {false, true}) {
     const Form form{"", json, true, Output::kDevNull};
     reports.setHandles(0);
@@ -126,6 +150,7 @@ void countInstructions(Reports& reports) {
     const double floor = instructionsOf(reports.floor(form), reports.scratch());
     std::printf("instructions a line, %s: zelk %.0f, floor %.0f\n", json ? "JSON" : "text",
                 (report - start) / lines, floor / lines);
+    aims.add("zelk's own instructions a line", kInstructionsOfLine, (report - start) / lines);
   }
 }
 
@@ -133,21 +158,29 @@ double perHandle(const Measured& measured, const Measured& start, long handles) 
   return (measured.cpuSeconds - start.cpuSeconds) / static_cast<double>(handles);
 }
 
+void compareSizes(const Size& size, const Measured& measured, const Measured& fewest,
+                  const Measured& start, Aims& aims) {
+  const double growth =
+      perHandle(measured, start, size.handles) / perHandle(fewest, start, kFewestHandles);
+  const double held = static_cast<double>(measured.peakKilobytes - start.peakKilobytes) * 1024 /
+                      static_cast<double>(size.handles);
+  std::printf("cost of a handle at %ld over at %ld: %.2f\n", size.handles, kFewestHandles, growth);
+  std::printf("peak memory of a handle held at %ld: %.0f bytes\n", size.handles, held);
+  aims.add("cost of a handle among many over among few", kGrowth, growth);
+  aims.add("peak memory of a handle held, bytes", kBytesOfHandle, held);
+}
+
 void measureAll(Reports& reports, const Command& nothing, long mostHandles) {
-  const Measured start = measureStart(reports, nothing);
-  countInstructions(reports);
+  Aims aims;
+  const Measured start = measureStart(reports, nothing, aims);
+  countInstructions(reports, aims);
   std::printf(" handles  report, to            lines  ns/line  floor ns  ratio of CPU\n");
-  const Measured fewest = measureSize(reports, kSizes[0]);
+  const Measured fewest = measureSize(reports, kSizes[0], aims);
   for (const Size& size : kSizes) {
     if (size.handles == kFewestHandles || size.handles > mostHandles) continue;
-    const Measured measured = measureSize(reports, size);
-    const long held = (measured.peakKilobytes - start.peakKilobytes) * 1024;
-    std::printf(
-        "cost of a handle at %ld over at %ld: %.2f\n", size.handles, kFewestHandles,
-        perHandle(measured, start, size.handles) / perHandle(fewest, start, kFewestHandles));
-    std::printf("peak memory of a handle held at %ld: %.0f bytes\n", size.handles,
-                static_cast<double>(held) / static_cast<double>(size.handles));
+    compareSizes(size, measureSize(reports, size, aims), fewest, start, aims);
   }
+  aims.print();
 }
 
 }  // namespace
