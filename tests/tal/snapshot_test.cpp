@@ -138,6 +138,7 @@ TEST(ClientSnapshot, SurvivesMoreClientsOfOneIdentifierThanThereAreNumbers) {
   ClientSnapshot snapshot(std::vector<Client>(70'000, clientWith("a", 0, 0, 0)));
 
   EXPECT_EQ(snapshot.count(), 70'000U);
+  EXPECT_EQ(snapshot.at(65'535).firstNumber, 65'535);
   EXPECT_EQ(snapshot.find(idOf(snapshot.at(69'999))).id, "a");
 }
 
