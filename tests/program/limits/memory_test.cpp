@@ -36,14 +36,14 @@ class Memory : public ::testing::TestWithParam<std::string_view> {};
 // the comparison with the beginning.
 TEST_P(Memory, IsNeededOnceAndGivenBack) {
   constexpr long kNoiseKb = 1024;
-  constexpr long kSectionKb = 20'000;  // far below what 100 000 handles take
+  constexpr long kSectionKb = 9'000;  // below what 100 000 handles take
   SimulatedRun run(GetParam(), false);
   orv::returnFreeMemory();
   resetPeak();
   const long before = residentMemory();
-  const std::uint64_t liveBefore = counts().allocations - counts().releases;
   run.processor().processMonitorRequests(false);
   const long firstPeak = peakResidentMemory();
+  const std::uint64_t liveBefore = counts().allocations - counts().releases;
   resetPeak();
 
   run.processor().processMonitorRequests(false);
