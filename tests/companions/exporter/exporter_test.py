@@ -78,6 +78,7 @@ class Served(unittest.TestCase):
         cases = {"": text, "*/*": text, "text/plain": text, "image/png": text, OPEN: opened,
                  PROMETHEUS: opened, "application/*": opened,
                  "application/openmetrics-text;q=0.3,text/plain;q=0.7": text,
+                 "application/openmetrics-text;q=0.3,text/plain;q=1": text,
                  "application/openmetrics-text;q=0.3,text/*;q=0.2": opened,
                  "application/openmetrics-text;q=0": text,
                  "application/openmetrics-text;version=9.0.0": text, ";;q=,,=;q=x/": text}
