@@ -1,7 +1,6 @@
 #include "engine/VXAMonitorHelper.h"
 
 #include <cstddef>
-#include <string>
 
 #include "engine/Snapshots.h"
 #include "util/Utils.h"
@@ -40,17 +39,15 @@ void VXAMonitorHelper::connect(const orv::String& server, const orv::String& use
     handle_ = kLocalEngine;
     return;
   }
-  std::string texts[] = {server.toBytes(), user.toBytes(), password.toBytes()};
-  for (const std::string& text : texts) {
-    if (text.size() <= kLongestCredential && text.find('\0') == std::string::npos) continue;
+  for (const orv::String* const text : {&server, &user, &password}) {
+    if (text->toBytes().size() <= kLongestCredential && !text->contains('\0')) continue;
     stop();
     throw orv::ResultException(orv::kInvalidArgument,
                                programMessages_->getResStr("ERR_CREDENTIALS_TOO_LONG"));
   }
   std::int32_t connected = kNoConnection;
-  const std::int16_t status =
-      TalConnectServer(texts[0].c_str(), texts[1].c_str(), texts[2].c_str(), &connected);
-  orv::wipe(texts[2]);
+  const std::int16_t status = TalConnectServer(server.toBytes().c_str(), user.toBytes().c_str(),
+                                               password.toBytes().c_str(), &connected);
   if (status != 0) stop();
   check(status);
   handle_ = connected;
