@@ -1,12 +1,29 @@
 #include "tal/interface/library.h"
 
+#include <stdlib.h>
+
 #include <utility>
 
 #include "tal/connect.h"
-#include "tal/interface/environment.h"
 
 namespace tal::interface {
 namespace {
+
+// Variables that client libraries read by themselves, and that no parameter of a connection can
+// switch off: those that make a library load foreign code, and those that make it send settings to
+// a server.
+constexpr const char* kClientVariables[] = {
+    "LIBMYSQL_ENABLE_CLEARTEXT_PLUGIN",
+    "LIBMYSQL_PLUGINS",
+    "MARIADB_PLUGIN_DIR",
+    "PGDATESTYLE",
+    "PGGEQO",
+    "PGTZ",
+};
+
+void removeClientVariables() noexcept {
+  for (const char* const name : kClientVariables) ::unsetenv(name);
+}
 
 void throwUnlessSuccess(Status status) {
   if (status != Status::kSuccess) throw Failure(status);

@@ -24,7 +24,8 @@ class Library {
   // Throws Failure kNotStarted before start() and after stop().
   void requireStarted() const;
 
-  // Removes variables from the environment (see environment.h). A second start does nothing.
+  // Removes the variables of the environment that client libraries must not read. Call it while no
+  // other thread may read the environment. A second start does nothing.
   void start();
 
   // Closes every engine.
