@@ -56,7 +56,7 @@ Strength strengthOfMode(std::string_view mode) {
   return mode.starts_with('S') || mode.starts_with("IS") ? Strength::kRead : Strength::kWrite;
 }
 
-void raise(std::optional<Strength>& strongest, Strength strength) {
+void keepStronger(std::optional<Strength>& strongest, Strength strength) {
   strongest = std::max(strongest.value_or(strength), strength);
 }
 
@@ -91,7 +91,7 @@ TableName innodbTableIn(std::string_view text) {
   return {std::move(schema), std::move(table)};
 }
 
-LockTarget other(std::string name, LockTarget::Kind kind = LockTarget::Kind::kOther) {
+LockTarget targetNamed(std::string name, LockTarget::Kind kind = LockTarget::Kind::kOther) {
   return {
       kind, {"", std::move(name)}
   };
@@ -186,7 +186,8 @@ class PictureMaker {
     const bool onRow = sql::text(row, kKind) == "RECORD";
     lock.isInnodb = true;
     // A connection that waits for a row has the table open.
-    raise(granted || onRow ? lock.granted : lock.pending, strengthOfMode(sql::text(row, kMode)));
+    keepStronger(granted || onRow ? lock.granted : lock.pending,
+                 strengthOfMode(sql::text(row, kMode)));
     if (!granted) isWaiting_.insert(connection);
     if (!onRow) return;
     bool& waits = lock.rowSpaces[sql::integer(row, kSpace)];
@@ -200,8 +201,8 @@ class PictureMaker {
     const bool granted = sql::integer(row, kGranted) != 0;
     const LockTarget target = targetOf(kind, object);
     Use& lock = use(connection, target);
-    raise(granted ? lock.granted : lock.pending,
-          kind == kUserLock ? Strength::kExclusive : strengthOf(type));
+    keepStronger(granted ? lock.granted : lock.pending,
+                 kind == kUserLock ? Strength::kExclusive : strengthOf(type));
     if (kind == kUserLock || !granted) isAwaited_.insert(target);
     if (!granted) isWaiting_.insert(connection);
     if (kind == kBackup && type.starts_with("BACKUP_FTWRL")) isReadLocked_ = true;
@@ -209,9 +210,9 @@ class PictureMaker {
 
   static LockTarget targetOf(const std::string& kind, const TableName& object) {
     if (kind == "TABLE") return {LockTarget::Kind::kTable, object};
-    if (kind == kUserLock) return other("user lock " + object.table);
-    if (kind == kBackup) return other(std::string(kBackupLock));
-    return other(describe(kind, object));
+    if (kind == kUserLock) return targetNamed("user lock " + object.table);
+    if (kind == kBackup) return targetNamed(std::string(kBackupLock));
+    return targetNamed(describe(kind, object));
   }
 
   // The facts that the lists of processes and transactions add to the locks.
@@ -220,7 +221,8 @@ class PictureMaker {
     const std::string awaited = awaitedIn(owner.state);
     if (!awaited.empty() && !isWaiting_.contains(owner.connection)) addWait(owner, awaited);
     if (owner.transaction && !isKnown) {
-      use(owner.connection, other(transactions_[owner.connection], LockTarget::Kind::kTransaction))
+      use(owner.connection,
+          targetNamed(transactions_[owner.connection], LockTarget::Kind::kTransaction))
           .granted = Strength::kWrite;
     }
   }
@@ -229,7 +231,7 @@ class PictureMaker {
   // although they show the table.
   void addWait(const LockOwner& owner, const std::string& awaited) {
     if (picture_.isComplete && awaited == "table level lock") return;
-    const LockTarget target = other(awaited);
+    const LockTarget target = targetNamed(awaited);
     use(owner.connection, target).pending = Strength::kWrite;
     isAwaited_.insert(target);
   }
@@ -245,7 +247,7 @@ class PictureMaker {
 
   [[nodiscard]] LockTarget shownTarget(const LockTarget& target) const {
     const bool renamed = isReadLocked_ && target.table.table == kBackupLock;
-    return renamed ? other(std::string(kGlobalReadLock)) : target;
+    return renamed ? targetNamed(std::string(kGlobalReadLock)) : target;
   }
 
   std::int64_t own_;

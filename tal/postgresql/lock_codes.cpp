@@ -33,7 +33,7 @@ std::uint8_t waitStateOf(const LockUse& use) {
 
 std::uint16_t transactionStateOf(const LockUse& use) {
   if (use.held < kAccessShare) return transaction_state::kNone;
-  const Rank exclusive = use.isRelation ? kShareRowExclusive : kExclusive;
+  const LockMode exclusive = use.isRelation ? kShareRowExclusive : kExclusive;
   return use.held >= exclusive ? transaction_state::kExclusive : transaction_state::kConcurrent;
 }
 

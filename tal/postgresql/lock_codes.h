@@ -9,7 +9,7 @@
 namespace tal::postgresql {
 
 // The lock modes in the order of the rows of the server's table of conflicts.
-enum Rank : std::int64_t {
+enum LockMode : std::int64_t {
   kNoLock,
   kAccessShare,
   kRowShare,
@@ -25,7 +25,7 @@ enum Rank : std::int64_t {
 struct LockUse {
   bool isRelation = false;    // otherwise an advisory lock, a transaction, ...
   bool hasRows = false;       // a table, or a relation whose kind is not known
-  std::int64_t held = 0;      // strongest rank
+  std::int64_t held = 0;      // strongest mode
   std::int64_t asked = 0;     // the same with what is awaited
   bool awaitsRecord = false;  // a row, a transaction that changed one, an advisory lock
   bool awaitsFile = false;    // anything else
