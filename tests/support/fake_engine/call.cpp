@@ -29,7 +29,9 @@ std::string textOf(const Call& call) {
     if (text != nullptr) add(text);
   }
   if (call.index) add(std::to_string(*call.index));
-  return call.function + ("(" + (arguments.empty() ? "null" : arguments.substr(2)) + ")");
+  std::string text = call.function;
+  text.append("(").append(arguments.empty() ? "null" : arguments.substr(2)).append(")");
+  return text;
 }
 
 std::span<char> filledBytes(const Call& call) {
