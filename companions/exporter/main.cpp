@@ -120,7 +120,8 @@ void serve(const Options& options, const Targets& targets, const StopSignals& si
   const HttpServer server(
       address, options.webConfig.empty() ? WebConfig() : readWebConfig(options.webConfig),
       options.insecure, [&](const Request& request) { return pages.answer(request); });
-  std::fprintf(stderr, "zelk-exporter: %zu targets, listening on %s\n", targets.size(),
+  std::fprintf(stderr, "zelk-exporter: %zu target%s, listening on %s\n", targets.size(),
+               targets.size() == 1 ? "" : "s",
                Address{address.host, std::to_string(server.port())}.text().c_str());
   signals.await();
   for (const auto& target : targets) target->requestStop();
