@@ -104,7 +104,9 @@ TEST_F(Privacy, CoreFilesStayOff) {
 TEST_F(Privacy, OtherProcessesOfTheUserCannotReadTheMemory) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can start programs as another user";
   if (!testing_support::kMemoryIsAsUsual) GTEST_SKIP() << "a sanitizer itself reads it";
+  const ProgramTree tree(folder_ / "tree");  // that user may not reach the build
   Command own = command();
+  own.program = tree.program();
   own.withoutPrivileges = true;
   Process process(own);
   process.waitForOutput(kPrompt);
