@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "tal/sql/login.h"
+#include "tests/mariadb/encrypted_listener.h"
 #include "tests/mariadb/greetings.h"
 #include "tests/mariadb/server_test.h"
 #include "tests/sql/fake_host.h"
@@ -96,6 +97,18 @@ TEST_F(LoginTest, NobodyThere) {
   EXPECT_EQ(statusOfLogin("no-such-host.invalid", "zelk"), Status::kCannotReach);
 }
 
+TEST_F(LoginTest, LongestSocketPath) {
+  const testing_support::TemporaryFolder folder;
+  const std::string start = folder.path().string() + '/';
+  const std::string longest = start + std::string(107 - start.size(), 's');
+  for (const std::string& path : {longest, longest + 's'}) {
+    std::filesystem::create_symlink(server_.socketPath(), path);
+  }
+
+  EXPECT_EQ(statusOfLogin(longest, "root", ""), Status::kSuccess);
+  EXPECT_EQ(statusOfLogin(longest + 's', "root", ""), Status::kBadServerName);
+}
+
 TEST_F(LoginTest, EachAddressOfAHostIsTried) {
   const sql_testing::FakeHost host("shop", {"127.0.0.2", "127.0.0.3", "127.0.0.1"});
   const sql_testing::FakeHost gone("gone", {"127.0.0.2", "127.0.0.3"});
@@ -155,6 +168,43 @@ TEST_F(LoginTest, PasswordIsGivenToNobodyWhoAsksForIt) {
     const std::string& heard = server.heard();
     EXPECT_NE(heard.find("zelk"), std::string::npos) << way;
     EXPECT_EQ(heard.find("secret"), std::string::npos) << way;
+  }
+}
+
+// Accounts whose password something else checks need it in clear, PAM for instance. The certificate
+// is made out to "localhost".
+TEST_F(LoginTest, ClearPasswordGoesToAVerifiedServerOnly) {
+  struct Row {
+    std::string options;
+    const char* host;
+    const char* way;
+    Status status;
+    bool isNamed;  // the user
+    bool isGiven;  // the password
+  };
+  const std::string authority = "ssl-ca=" + server_.certificate() + "\n";
+  const std::string unverified = authority + "ssl-verify-server-cert=0\n";
+  const std::string anothers = "ssl-verify-server-cert\n";  // of the system
+  const char* const clear = "mysql_clear_password";
+  const Row rows[] = {
+      {authority,  "localhost", clear,    Status::kLoginRefused, true,  true },
+      {authority,  "localhost", "dialog", Status::kUnsafeLogin,  true,  false},
+      {authority,  "127.0.0.1", clear,    Status::kTlsFailed,    false, false},
+      {anothers,   "localhost", clear,    Status::kTlsFailed,    false, false},
+      {unverified, "localhost", clear,    Status::kUnsafeLogin,  true,  false},
+      {"ssl\n",    "localhost", clear,    Status::kUnsafeLogin,  true,  false},
+  };
+
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.options + row.host + " " + row.way);
+    writeOptions("[zelk]\n" + row.options);
+    EncryptedListener server(server_.certificate(), server_.certificateKey(), row.way);
+
+    EXPECT_EQ(statusOfLogin(row.host + (":" + std::to_string(server.port())), "zelk"), row.status);
+    const std::string& heard = server.heard();
+    EXPECT_EQ(heard.find("zelk") != std::string::npos, row.isNamed);
+    EXPECT_EQ(heard.ends_with(packet(4, std::string("secret\0", 7))), row.isGiven);
+    EXPECT_EQ(heard.find("secret") != std::string::npos, row.isGiven);
   }
 }
 

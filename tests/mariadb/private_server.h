@@ -22,6 +22,7 @@ class PrivateServer : public testing_support::GuardedServer {
 
   // The certificate by which it encrypts, if it does: its own authority, made out to "localhost".
   [[nodiscard]] std::string certificate() const { return folder() / "ca.pem"; }
+  [[nodiscard]] std::string certificateKey() const { return folder() / "key.pem"; }
 };
 
 }  // namespace mariadb_testing
