@@ -50,6 +50,20 @@ TEST_F(LoginTest, SucceedsByEachForm) {
   EXPECT_EQ(login(socket() + "/app", user("zelk")), Status::kSuccess);
 }
 
+TEST_F(LoginTest, LongestSocketPath) {
+  const TemporaryFolder folder;
+  const std::string port = std::to_string(server_.port());
+  const std::string start = folder.path().string() + '/';
+  const std::size_t size = 107 - start.size() - ("/.s.PGSQL." + port).size();
+  const std::string longest = start + std::string(size, 's');
+  for (const std::string& path : {longest, longest + 's'}) {
+    fs::create_directory_symlink(server_.folder(), path);
+  }
+
+  EXPECT_EQ(login(longest + ':' + port, user("zelk")), Status::kSuccess);
+  EXPECT_EQ(login(longest + "s:" + port, user("zelk")), Status::kCannotReach);
+}
+
 TEST_F(LoginTest, FailsWithTheServersReason) {
   admin_.run("DROP DATABASE IF EXISTS closed");
   admin_.run("CREATE DATABASE closed");
@@ -316,10 +330,11 @@ TEST_F(EncryptedLoginTest, ClearPasswordGoesToAVerifiedServerWhereAllowed) {
   const Variable folder("HOME", home.path().string());
   fs::create_directory(home / ".postgresql");
   fs::copy_file(server_.folder() / "data/server.crt", home / ".postgresql/root.crt");
-  writeFile(home / ".postgresql/zelk.conf", "localhost weak-password\n");
   const Variable wish("PGSSLMODE", "verify-full");
   const std::string port = std::to_string(server_.port());
 
+  EXPECT_EQ(login("localhost:" + port + "/app", user("clear")), Status::kUnsafeLogin);
+  writeFile(home / ".postgresql/zelk.conf", "localhost weak-password\n");
   EXPECT_EQ(login("localhost:" + port + "/app", user("clear")), Status::kSuccess);
   EXPECT_EQ(login("127.0.0.1:" + port + "/app", user("clear")), Status::kTlsFailed);
 }
