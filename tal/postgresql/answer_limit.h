@@ -16,7 +16,7 @@ class AnswerLimit {
 
   // Call it before each read. Throws Failure(kAnswerTooLarge) if more than sql::kMostBytes have
   // arrived. A local socket shows only bytes that wait to be read, so bytes that arrive during a
-  // read are not counted there.
+  // read are not counted there: the connection measures the whole answer again.
   void check();
 
  private:

@@ -2,6 +2,8 @@
 
 #include <poll.h>
 
+#include <cstdint>
+
 #include "tal/postgresql/answer_limit.h"
 #include "tal/postgresql/errors.h"
 #include "tal/sql/deadline.h"
@@ -22,12 +24,27 @@ bool isCopy(const PGresult* result) {
   return status == PGRES_COPY_IN || status == PGRES_COPY_OUT || status == PGRES_COPY_BOTH;
 }
 
+std::uint64_t bytesIn(const PGresult* result) {
+  std::uint64_t bytes = 0;
+  for (int row = 0; row < PQntuples(result); ++row) {
+    for (int column = 0; column < PQnfields(result); ++column) {
+      bytes += static_cast<std::uint64_t>(PQgetlength(result, row, column));
+    }
+  }
+  return bytes;
+}
+
+// The bytes that arrive during a read of a local socket are not seen before the answer is whole.
+bool isTooLarge(const PGresult* result) {
+  return PQresultMemorySize(result) > sql::kMostBytes && bytesIn(result) > sql::kMostBytes;
+}
+
 // An answer with other columns or too many rows is not decoded.
 void checkShape(const PGresult* result, const Statement& statement) {
   if (static_cast<std::size_t>(PQnfields(result)) != statement.columns) {
     throw Failure(Status::kServerError);
   }
-  if (static_cast<std::size_t>(PQntuples(result)) > sql::kMostRows) {
+  if (static_cast<std::size_t>(PQntuples(result)) > sql::kMostRows || isTooLarge(result)) {
     throw Failure(Status::kAnswerTooLarge);
   }
 }
@@ -51,9 +68,12 @@ Result Connection::run(const Statement& statement, const sql::Deadline& deadline
     checkShape(result.get(), statement);
     return Result(std::move(result));
   } catch (const Failure& failure) {
-    // The rest of an answer would be taken for the next answer.
+    // The rest of an answer would be taken for the next answer. A server that sends too much is
+    // not asked again.
     const bool isAnswered = PQtransactionStatus(session_.get()) == PQTRANS_IDLE;
-    if (!isAnswered || failure.status() == Status::kConnectionLost) session_.reset();
+    const bool isOver =
+        failure.status() == Status::kConnectionLost || failure.status() == Status::kAnswerTooLarge;
+    if (!isAnswered || isOver) session_.reset();
     throw;
   }
 }
